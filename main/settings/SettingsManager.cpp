@@ -1,0 +1,114 @@
+#include "SettingsManager.h"
+
+#include <QDir>
+#include <QFile>
+#include <QQmlEngine>
+
+namespace {
+QString positionKey(const QString& name) { return "widget." + name + ".position"; }
+} // namespace
+
+SettingsManager& SettingsManager::shared()
+{
+    static SettingsManager* instance = [] {
+        auto suite = DefaultsSuite::open(suiteName);
+        if (!suite)
+            suite = DefaultsSuite::standard();
+        return new SettingsManager(std::move(suite));
+    }();
+    return *instance;
+}
+
+SettingsManager* SettingsManager::create(QQmlEngine*, QJSEngine*)
+{
+    auto* s = &shared();
+    QQmlEngine::setObjectOwnership(s, QQmlEngine::CppOwnership);
+    return s;
+}
+
+SettingsManager::SettingsManager(std::unique_ptr<DefaultsSuite> suite) : m_defaults(std::move(suite))
+{
+    loadSettings();
+}
+
+void SettingsManager::loadSettings()
+{
+    const auto& d = *m_defaults;
+    setClockEnabled(d.boolForKey("widget.clock.enabled").value_or(false));
+    setWeatherEnabled(d.boolForKey("widget.weather.enabled").value_or(false));
+    setBatteryEnabled(d.boolForKey("widget.battery.enabled").value_or(false));
+    setMusicEnabled(d.boolForKey("widget.music.enabled").value_or(false));
+    setClockClickThrough(d.boolForKey("widget.clock.clickThrough").value_or(false));
+    setWeatherClickThrough(d.boolForKey("widget.weather.clickThrough").value_or(false));
+    setBatteryClickThrough(d.boolForKey("widget.battery.clickThrough").value_or(false));
+    setMusicClickThrough(d.boolForKey("widget.music.clickThrough").value_or(false));
+    setClockSize(d.stringForKey("widget.clock.size").value_or("small"));
+    setWeatherSize(d.stringForKey("widget.weather.size").value_or("small"));
+    setBatterySize(d.stringForKey("widget.battery.size").value_or("small"));
+    setMusicSize(d.stringForKey("widget.music.size").value_or("medium"));
+    setClockStyle(d.stringForKey("widget.clock.style").value_or("analog"));
+    setGlassTheme(d.stringForKey("glass-theme").value_or("transparent"));
+    if (const auto data = d.dataForKey("weather"))
+        setWeatherSettings(WeatherSettings::fromJson(*data).value_or(WeatherSettings()));
+    setBatteryVisibleDevices(
+        d.stringArrayForKey("widget.battery.visibleDevices").value_or(QStringList{"macbook", "watch", "mouse", "airpods"}));
+}
+
+void SettingsManager::saveSetting(const QVariant& value, const QString& key)
+{
+    // QML hands lists over as QVariantList; the suite keeps lists of text.
+    if (value.typeId() == QMetaType::QVariantList)
+        m_defaults->setObject(value.toStringList(), key);
+    else
+        m_defaults->setObject(value, key);
+    m_defaults->synchronize();
+}
+
+void SettingsManager::saveWeatherSettings(const WeatherSettings& settings)
+{
+    m_defaults->setObject(settings.toJson(), "weather");
+    m_defaults->synchronize();
+    setWeatherSettings(settings);
+}
+
+std::optional<Position> SettingsManager::getPosition(const QString& name) const
+{
+    const auto data = m_defaults->dataForKey(positionKey(name));
+    if (!data)
+        return std::nullopt;
+    return Position::fromJson(*data);
+}
+
+void SettingsManager::setPosition(const std::optional<Position>& position, const QString& name)
+{
+    if (position)
+        m_defaults->setObject(position->toJson(), positionKey(name));
+    else
+        m_defaults->removeObject(positionKey(name));
+    m_defaults->synchronize();
+}
+
+QString SettingsManager::sharedDataFilePath()
+{
+    // No App Group container here: the fallback below the home directory.
+    return QDir::homePath() + "/Library/Group Containers/" + suiteName + "/widget-data.json";
+}
+
+void SettingsManager::updateSharedWidgetData()
+{
+    const QString path = sharedDataFilePath();
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    SharedWidgetData copy = m_sharedData;
+    copy.clockStyle = m_clockStyle;
+    const auto bytes = copy.encode();
+    if (!bytes)
+        return;
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        f.write(*bytes);
+}
+
+std::optional<QString> SettingsManager::configString(const QString& key) const
+{
+    return m_defaults->stringForKey(key);
+}

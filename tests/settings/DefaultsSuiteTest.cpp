@@ -1,0 +1,117 @@
+#include "DefaultsSuite.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+QJsonObject dumpInOtherProcess(const QString& dir, const QString& suite, const QStringList& keys)
+{
+    QProcess p;
+    p.start(qEnvironmentVariable("OMBRIX_BUILD_DIR") + "/tests/support/ombrix-suite-dump",
+            QStringList{dir, suite} + keys);
+    EXPECT_TRUE(p.waitForFinished(10000));
+    EXPECT_EQ(p.exitCode(), 0);
+    return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
+}
+
+} // namespace
+
+TEST(DefaultsSuite, EveryKindRoundTripsIntoAnotherProcess)
+{
+    QTemporaryDir dir;
+    auto suite = DefaultsSuite::open("group.test", dir.path());
+    ASSERT_TRUE(suite);
+    suite->setObject(true, "b.true");
+    suite->setObject(false, "b.false");
+    suite->setObject(QString("Roma, Italia \"q\" ü"), "s");
+    suite->setObject(QString(), "s.empty");
+    suite->setObject(QByteArray("{\"x\":1.5,\"y\":-2}"), "d");
+    suite->setObject(QStringList{}, "l.empty");
+    suite->setObject(QStringList{"mouse"}, "l.one");
+    suite->setObject(QStringList{"airpods", "macbook", "a,b"}, "l.many");
+    ASSERT_TRUE(suite->synchronize());
+
+    const auto out = dumpInOtherProcess(dir.path(), "group.test",
+                                        {"b.true", "b.false", "s", "s.empty", "d", "l.empty", "l.one", "l.many", "none"});
+    EXPECT_EQ(out["b.true"].toObject(), (QJsonObject{{"bool", true}}));
+    EXPECT_EQ(out["b.false"].toObject(), (QJsonObject{{"bool", false}}));
+    EXPECT_EQ(out["s"].toObject(), (QJsonObject{{"string", "Roma, Italia \"q\" ü"}}));
+    EXPECT_EQ(out["s.empty"].toObject(), (QJsonObject{{"string", ""}}));
+    EXPECT_EQ(out["d"].toObject(), (QJsonObject{{"data", "{\"x\":1.5,\"y\":-2}"}}));
+    EXPECT_EQ(out["l.empty"].toObject(), (QJsonObject{{"list", QJsonArray()}}));
+    EXPECT_EQ(out["l.one"].toObject(), (QJsonObject{{"list", QJsonArray{"mouse"}}}));
+    EXPECT_EQ(out["l.many"].toObject(), (QJsonObject{{"list", QJsonArray{"airpods", "macbook", "a,b"}}}));
+    EXPECT_TRUE(out["none"].toObject().isEmpty());
+}
+
+TEST(DefaultsSuite, ValueOfAnotherKindReadsAsMissing)
+{
+    QTemporaryDir dir;
+    auto suite = DefaultsSuite::open("group.test", dir.path());
+    suite->setObject(QString("true"), "k");
+    EXPECT_FALSE(suite->boolForKey("k"));
+    EXPECT_FALSE(suite->dataForKey("k"));
+    EXPECT_FALSE(suite->stringArrayForKey("k"));
+    EXPECT_EQ(suite->stringForKey("k"), QString("true"));
+    suite->setObject(QVariant(42), "int"); // not a kind the suite keeps
+    EXPECT_FALSE(suite->stringForKey("int"));
+    suite->removeObject("k");
+    EXPECT_FALSE(suite->stringForKey("k"));
+}
+
+TEST(DefaultsSuite, DamagedLinesCostOnlyTheirOwnKey)
+{
+    QTemporaryDir dir;
+    {
+        auto suite = DefaultsSuite::open("group.test", dir.path());
+        suite->setObject(true, "a");
+        suite->setObject(QString("kept"), "b");
+        suite->setObject(QStringList{"x"}, "c");
+        suite->synchronize();
+    }
+    const QString path = dir.path() + "/group.test.json";
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    QByteArray text = f.readAll();
+    f.close();
+    // Damage the first line, add junk lines and cut the last line short.
+    text.replace(0, 3, "\x01\xff{");
+    text.append("not json\n{\"k\":\"z\",\"data\":\"***\"}\n{\"k\":\"w\",\"lis");
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(text);
+    f.close();
+
+    auto suite = DefaultsSuite::open("group.test", dir.path());
+    ASSERT_TRUE(suite);
+    EXPECT_FALSE(suite->boolForKey("a"));
+    EXPECT_EQ(suite->stringForKey("b"), QString("kept"));
+    EXPECT_EQ(suite->stringArrayForKey("c"), QStringList{"x"});
+    EXPECT_FALSE(suite->dataForKey("z"));
+    suite->setObject(false, "new");
+    EXPECT_TRUE(suite->synchronize());
+    auto again = DefaultsSuite::open("group.test", dir.path());
+    EXPECT_EQ(again->stringForKey("b"), QString("kept"));
+    EXPECT_EQ(again->boolForKey("new"), false);
+}
+
+TEST(DefaultsSuite, UnusableSuiteGivesNothingAndStandardStandsIn)
+{
+    QTemporaryDir dir;
+    EXPECT_FALSE(DefaultsSuite::open("", dir.path()));
+    EXPECT_FALSE(DefaultsSuite::open("a/b", dir.path()));
+    ASSERT_TRUE(QDir(dir.path()).mkpath("blocked.json")); // a folder where the file should be
+    EXPECT_FALSE(DefaultsSuite::open("blocked", dir.path()));
+    auto standard = DefaultsSuite::standard(dir.path());
+    ASSERT_TRUE(standard);
+    standard->setObject(QString("v"), "k");
+    EXPECT_TRUE(standard->synchronize());
+    EXPECT_EQ(DefaultsSuite::standard(dir.path())->stringForKey("k"), QString("v"));
+}
