@@ -1,0 +1,23 @@
+#include "WidgetHostingView.h"
+
+WidgetHostingView::WidgetHostingView(QQuickItem* rootView) : m_rootView(rootView)
+{
+    if (m_rootView)
+        m_rootView->setParentItem(this);
+}
+
+void WidgetHostingView::setFrame(const Rect& frame)
+{
+    // Inside the window the hosting view's frame is in the window's own item coordinates.
+    setPosition(QPointF(frame.x, frame.y));
+    setSize(QSizeF(frame.width, frame.height));
+}
+
+Rect WidgetHostingView::frame() const { return Rect{x(), y(), width(), height()}; }
+
+void WidgetHostingView::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry)
+{
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
+    if (m_rootView)
+        m_rootView->setSize(newGeometry.size());
+}

@@ -1,0 +1,96 @@
+#include "WidgetWindow.h"
+
+#include "ContinuousCorners.h"
+#include "Screen.h"
+#include "WidgetHostingView.h"
+#include "X11Window.h"
+
+#include <QMouseEvent>
+#include <QSurfaceFormat>
+
+WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame,
+                           bool isClickThrough)
+    : m_widgetName(name), m_contentView(contentView)
+{
+    setFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus |
+             Qt::NoDropShadowWindowHint);
+    QSurfaceFormat fmt = format();
+    fmt.setAlphaBufferSize(8);
+    setFormat(fmt);
+    setColor(Qt::transparent);
+    setGeometry(screen::toQt(initialFrame, screen::primaryHeight()));
+    if (m_contentView) {
+        m_contentView->setParentItem(contentItem());
+        m_contentView->setParent(this);
+    }
+    setClickThrough(isClickThrough);
+    create();
+    x11::applyWidgetHints(this);
+    updateMask();
+
+    // While the window manager drags the window, moves are not reported until the button is up,
+    // so snapping never fights the user's hand.
+    m_dragPoll.setInterval(40);
+    connect(&m_dragPoll, &QTimer::timeout, this, &WidgetWindow::settleMove);
+}
+
+WidgetWindow::~WidgetWindow() = default;
+
+void WidgetWindow::setClickThrough(bool enabled)
+{
+    m_ignoresMouseEvents = enabled;
+    m_movableByWindowBackground = !enabled;
+    setFlag(Qt::WindowTransparentForInput, enabled);
+}
+
+Rect WidgetWindow::frame() const { return screen::fromQt(geometry(), screen::primaryHeight()); }
+
+void WidgetWindow::setFrame(const Rect& frame) { setGeometry(screen::toQt(frame, screen::primaryHeight())); }
+
+void WidgetWindow::orderFront()
+{
+    showNormal();
+    // Shown without taking focus: the window never becomes key.
+}
+
+void WidgetWindow::mousePressEvent(QMouseEvent* event)
+{
+    QQuickWindow::mousePressEvent(event);
+    if (event->isAccepted() || m_ignoresMouseEvents || !m_movableByWindowBackground)
+        return;
+    if (event->button() == Qt::LeftButton) {
+        event->accept();
+        startSystemMove();
+    }
+}
+
+void WidgetWindow::moveEvent(QMoveEvent* event)
+{
+    QQuickWindow::moveEvent(event);
+    if (x11::isLeftButtonDown()) {
+        if (!m_dragPoll.isActive())
+            m_dragPoll.start();
+        return;
+    }
+    m_dragPoll.stop();
+    emit didMove(this);
+}
+
+void WidgetWindow::settleMove()
+{
+    if (x11::isLeftButtonDown())
+        return;
+    m_dragPoll.stop();
+    emit didMove(this);
+}
+
+void WidgetWindow::resizeEvent(QResizeEvent* event)
+{
+    QQuickWindow::resizeEvent(event);
+    updateMask();
+}
+
+void WidgetWindow::updateMask()
+{
+    setMask(corners::continuousRoundedRegion(QRect(QPoint(0, 0), size()), cornerRadius));
+}

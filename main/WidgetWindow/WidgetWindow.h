@@ -1,0 +1,54 @@
+#pragma once
+// A borderless, non-activating, transparent window below ordinary windows, on every workspace,
+// dragged by any press on its surface unless it is click-through.
+#include "Geometry.h"
+
+#include <QQuickWindow>
+#include <QTimer>
+
+class WidgetHostingView;
+
+class WidgetWindow : public QQuickWindow {
+    Q_OBJECT
+
+public:
+    static constexpr double cornerRadius = 28.0;
+
+    WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame,
+                 bool isClickThrough);
+    ~WidgetWindow() override;
+
+    QString widgetName() const { return m_widgetName; }
+    WidgetHostingView* contentView() const { return m_contentView; }
+
+    void setClickThrough(bool enabled);
+    bool ignoresMouseEvents() const { return m_ignoresMouseEvents; }
+    bool isMovableByWindowBackground() const { return m_movableByWindowBackground; }
+    bool canBecomeKey() const { return false; }
+    bool canBecomeMain() const { return false; }
+
+    // Frame in app coordinates; setFrame moves and resizes at once, with no animation.
+    Rect frame() const;
+    void setFrame(const Rect& frame);
+
+    void orderFront();
+
+signals:
+    // A move has come to rest: for a user drag, once the button is up; otherwise at once.
+    void didMove(WidgetWindow* window);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void settleMove();
+    void updateMask();
+
+    QString m_widgetName;
+    WidgetHostingView* m_contentView = nullptr;
+    bool m_ignoresMouseEvents = false;
+    bool m_movableByWindowBackground = true;
+    QTimer m_dragPoll;
+};
