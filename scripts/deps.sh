@@ -11,6 +11,7 @@ pkgs=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb openbox trayer xcompmgr xdotool x11-utils x11-xserver-utils dbus dbus-x11
   fonts-noto-color-emoji fonts-dejavu-core
+  zsh
 )
 missing=()
 for p in "${pkgs[@]}"; do
