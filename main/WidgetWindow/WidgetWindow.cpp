@@ -18,6 +18,7 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     fmt.setAlphaBufferSize(8);
     setFormat(fmt);
     setColor(Qt::transparent);
+    setTitle("OmbrixWidget " + name);
     setGeometry(screen::toQt(initialFrame, screen::primaryHeight()));
     if (m_contentView) {
         m_contentView->setParentItem(contentItem());

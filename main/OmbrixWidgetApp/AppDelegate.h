@@ -1,0 +1,57 @@
+#pragma once
+// Starts and stops the application, owns the registry of live widget windows, creates, destroys,
+// resizes and snaps them, and owns the tray item and the Control Panel window.
+#include "Geometry.h"
+
+#include <QMap>
+#include <QObject>
+#include <QPointer>
+#include <memory>
+#include <optional>
+
+class QQmlEngine;
+class QQuickWindow;
+class QSystemTrayIcon;
+class QMenu;
+class SettingsManager;
+class WidgetWindow;
+struct Position;
+
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    explicit AppDelegate(QObject* parent = nullptr);
+    ~AppDelegate() override;
+
+    void applicationDidFinishLaunching();
+    void applicationWillTerminate();
+
+    void restoreWidgets();
+    void toggleWidget(const QString& name, bool enabled);
+    void spawnWidget(const QString& name);
+    void despawnWidget(const QString& name);
+    void resizeWidget(const QString& name, const QString& size);
+    void updateClickThrough(const QString& name, bool enabled);
+    std::optional<Position> getSavedPosition(const QString& name) const;
+
+    void windowDidMove(QObject* sender);
+
+    void setupStatusBarItem();
+    void createControlPanelWindow();
+    void showControlPanel();
+    void quitApp();
+
+    const QMap<QString, WidgetWindow*>& widgetWindows() const { return m_widgetWindows; }
+    QQuickWindow* controlPanelWindow() const { return m_controlPanelWindow; }
+    QQmlEngine* engine() const { return m_engine.get(); }
+
+private:
+    QSystemTrayIcon* m_statusBarItem = nullptr;
+    std::unique_ptr<QMenu> m_statusMenu;
+    QQuickWindow* m_controlPanelWindow = nullptr;
+    QMap<QString, WidgetWindow*> m_widgetWindows;
+    SettingsManager& m_settings;
+    bool m_isSnapping = false;
+    std::unique_ptr<QQmlEngine> m_engine;
+};

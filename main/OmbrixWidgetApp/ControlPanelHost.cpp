@@ -1,0 +1,99 @@
+// The tray item and the Control Panel window.
+#include "AppDelegate.h"
+
+#include "ControlPanelModel.h"
+#include "Screen.h"
+
+#include <QGuiApplication>
+#include <QIcon>
+#include <QMenu>
+#include <QPainter>
+#include <QPointer>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSystemTrayIcon>
+
+namespace {
+
+QIcon trayIcon()
+{
+    QPixmap pm(64, 64);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(Qt::white);
+    for (int i = 0; i < 4; ++i)
+        p.drawEllipse(QRectF(6 + (i % 2) * 28, 6 + (i / 2) * 28, 24, 24));
+    return QIcon(pm);
+}
+
+} // namespace
+
+void AppDelegate::setupStatusBarItem()
+{
+    m_statusBarItem = new QSystemTrayIcon(this);
+    m_statusBarItem->setIcon(trayIcon());
+    m_statusBarItem->setToolTip("OmbrixWidget");
+    m_statusMenu = std::make_unique<QMenu>();
+    QAction* show = m_statusMenu->addAction("Mostra Control Panel", this, &AppDelegate::showControlPanel);
+    show->setShortcut(QKeySequence("Ctrl+P"));
+    m_statusMenu->addSeparator();
+    QAction* quit = m_statusMenu->addAction("Esci", this, &AppDelegate::quitApp);
+    quit->setShortcut(QKeySequence("Ctrl+Q"));
+    m_statusBarItem->setContextMenu(m_statusMenu.get());
+    // A left click opens the same menu: the item has no action of its own.
+    connect(m_statusBarItem, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
+        if (r == QSystemTrayIcon::Trigger)
+            m_statusMenu->popup(QCursor::pos());
+    });
+    // Shown even with no tray host yet; the item docks when one appears.
+    m_statusBarItem->show();
+}
+
+void AppDelegate::createControlPanelWindow()
+{
+    QPointer<AppDelegate> weak(this);
+    auto onToggle = [weak](const QString& name, bool enabled) {
+        if (weak)
+            weak->toggleWidget(name, enabled);
+    };
+    auto onResize = [weak](const QString& name, const QString& size) {
+        if (weak)
+            weak->resizeWidget(name, size);
+    };
+    auto onClickThrough = [weak](const QString& name, bool enabled) {
+        if (weak)
+            weak->updateClickThrough(name, enabled);
+    };
+
+    auto* window = new QQuickWindow();
+    window->setFlags(Qt::Window | Qt::FramelessWindowHint);
+    window->setColor(QColor(24, 24, 28));
+    window->setTitle("OmbrixWidget Control Panel");
+    QQmlComponent component(m_engine.get(), QUrl("qrc:/Ombrix/ControlPanel/ControlPanelView.qml"));
+    auto* root = qobject_cast<QQuickItem*>(component.create());
+    if (root) {
+        root->setParentItem(window->contentItem());
+        root->setParent(window);
+        if (auto* model = root->property("model").value<ControlPanelModel*>())
+            model->setCallbacks(onToggle, onResize, onClickThrough);
+    }
+    const Rect v = screen::visibleFrame();
+    const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};
+    window->setGeometry(screen::toQt(frame, screen::primaryHeight()));
+    window->setMinimumSize(QSize(420, 600));
+    window->setMaximumSize(QSize(420, 600));
+    m_controlPanelWindow = window;
+}
+
+void AppDelegate::showControlPanel()
+{
+    if (!m_controlPanelWindow)
+        return;
+    m_controlPanelWindow->show();
+    m_controlPanelWindow->raise();
+    m_controlPanelWindow->requestActivate();
+}

@@ -1,0 +1,25 @@
+#include "AppDelegate.h"
+
+#include <QApplication>
+#include <QQuickWindow>
+#include <QTimer>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(Ombrix_SettingsPlugin)
+Q_IMPORT_QML_PLUGIN(Ombrix_WidgetWindowPlugin)
+Q_IMPORT_QML_PLUGIN(Ombrix_WidgetViewsPlugin)
+Q_IMPORT_QML_PLUGIN(Ombrix_ControlPanelPlugin)
+
+int main(int argc, char** argv)
+{
+    // Widgets redraw a few small areas once a second: the software scene graph is the lightest.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("OmbrixWidget");
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    AppDelegate delegate;
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
+    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    return app.exec();
+}

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and starts OmbrixWidget. With no display it makes a virtual one,
+# saves a screenshot of it a few seconds after start, prints where, and runs until interrupted.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/deps.sh
+bash scripts/build.sh
+if [ -z "${DISPLAY:-}" ]; then
+  source scripts/xsession.sh
+  OMBRIX_TRAY=1 OMBRIX_COMPOSITE=1 ombrix_start_x
+  echo "No display found: running on the virtual display $DISPLAY (Xvfb 1440x900, openbox, trayer)."
+  ./build/OmbrixWidget &
+  app=$!
+  shot="$PWD/artifacts/screen.png"
+  mkdir -p artifacts
+  sleep 4
+  ./build/tests/support/ombrix-screenshot "$shot" && echo "Screenshot of the virtual screen: $shot"
+  echo "OmbrixWidget is running (pid $app). Press Ctrl+C to stop."
+  wait $app
+else
+  exec ./build/OmbrixWidget
+fi

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs every test under a private virtual display.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+bash scripts/deps.sh
+bash scripts/build.sh
+source scripts/xsession.sh
+ombrix_start_x
+export OMBRIX_ARTIFACTS="$PWD/artifacts"
+mkdir -p "$OMBRIX_ARTIFACTS"
+cd build
+ctest --output-on-failure -j2 --timeout 300
