@@ -12,6 +12,7 @@ pkgs=(
   xvfb openbox trayer xcompmgr xdotool x11-utils x11-xserver-utils dbus dbus-x11
   fonts-noto-color-emoji fonts-dejavu-core
   zsh
+  ca-certificates
 )
 missing=()
 for p in "${pkgs[@]}"; do
