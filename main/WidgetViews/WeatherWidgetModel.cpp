@@ -15,9 +15,7 @@ namespace {
 
 // The code tables are chains of tests read from the top: the first row that holds decides.
 // Only the first row asks for equality, so a negative code falls to the second.
-template <typename Row, std::size_t N>
-const Row& firstMatch(const Row (&rows)[N], qint64 code)
-{
+template <typename Row, std::size_t N> const Row& firstMatch(const Row (&rows)[N], qint64 code) {
     for (const Row& row : rows) {
         if (row.exact ? code == row.bound : code <= row.bound)
             return row;
@@ -62,20 +60,19 @@ const GlowRow glowRows[] = {
 
 } // namespace
 
-WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent)
-{
+WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent) {
     auto& settings = SettingsManager::shared();
     m_seenCity = settings.weatherSettings().city;
     m_seenUseManual = settings.weatherSettings().useManual;
-    connect(&settings, &SettingsManager::weatherSettingsChanged, this, &WeatherWidgetModel::onWeatherSettingsChanged);
+    connect(&settings, &SettingsManager::weatherSettingsChanged, this,
+            &WeatherWidgetModel::onWeatherSettingsChanged);
 
     m_timer.setInterval(refreshIntervalMs);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &WeatherWidgetModel::loadWeatherData);
 }
 
-void WeatherWidgetModel::setActive(bool active)
-{
+void WeatherWidgetModel::setActive(bool active) {
     if (active == m_active)
         return;
     m_active = active;
@@ -89,8 +86,7 @@ void WeatherWidgetModel::setActive(bool active)
     loadWeatherData();
 }
 
-void WeatherWidgetModel::onWeatherSettingsChanged()
-{
+void WeatherWidgetModel::onWeatherSettingsChanged() {
     const auto s = SettingsManager::shared().weatherSettings();
     const bool cityChanged = s.city != m_seenCity;
     const bool choiceChanged = s.useManual != m_seenUseManual;
@@ -105,8 +101,7 @@ void WeatherWidgetModel::onWeatherSettingsChanged()
         loadWeatherData();
 }
 
-void WeatherWidgetModel::loadWeatherData()
-{
+void WeatherWidgetModel::loadWeatherData() {
     setLoading(true);
     setConnectionError(false);
     const auto s = SettingsManager::shared().weatherSettings();
@@ -122,18 +117,17 @@ void WeatherWidgetModel::loadWeatherData()
     });
 }
 
-void WeatherWidgetModel::fetchWeatherFor(double latitude, double longitude, const QString& city)
-{
-    WeatherMonitor::shared().fetchWeather(latitude, longitude, this, [this, city](const WeatherResult<WeatherResponse>& r) {
-        if (const auto* reply = std::get_if<WeatherResponse>(&r))
-            applyWeather(city, *reply);
-        else
-            failLoad();
-    });
+void WeatherWidgetModel::fetchWeatherFor(double latitude, double longitude, const QString& city) {
+    WeatherMonitor::shared().fetchWeather(latitude, longitude, this,
+                                          [this, city](const WeatherResult<WeatherResponse>& r) {
+                                              if (const auto* reply = std::get_if<WeatherResponse>(&r))
+                                                  applyWeather(city, *reply);
+                                              else
+                                                  failLoad();
+                                          });
 }
 
-void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse& reply)
-{
+void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse& reply) {
     setCityName(city);
     m_weatherData = reply;
     emit weatherDataChanged();
@@ -148,69 +142,68 @@ void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse
     settings.updateSharedWidgetData();
 }
 
-void WeatherWidgetModel::failLoad()
-{
+void WeatherWidgetModel::failLoad() {
     // What was shown stays; the view puts the error panel over it until the next success.
     setConnectionError(true);
     setLoading(false);
 }
 
-void WeatherWidgetModel::updateGlow(qint64 code) { setGlowColor(glowColorFor(code)); }
+void WeatherWidgetModel::updateGlow(qint64 code) {
+    setGlowColor(glowColorFor(code));
+}
 
-QString WeatherWidgetModel::temperatureText() const
-{
+QString WeatherWidgetModel::temperatureText() const {
     return m_weatherData ? formatTemperature(m_weatherData->current.temperature_2m) : QString();
 }
 
-QString WeatherWidgetModel::weatherEmoji() const
-{
+QString WeatherWidgetModel::weatherEmoji() const {
     return m_weatherData ? wmoEmoji(m_weatherData->current.weathercode) : QString();
 }
 
-QString WeatherWidgetModel::weatherDescription() const
-{
+QString WeatherWidgetModel::weatherDescription() const {
     return m_weatherData ? wmoDesc(m_weatherData->current.weathercode) : QString();
 }
 
-QString WeatherWidgetModel::highLowText() const
-{
+QString WeatherWidgetModel::highLowText() const {
     return hasDaily() ? highLowLine(*m_weatherData->daily) : QString();
 }
 
-QVariantList WeatherWidgetModel::forecastRows() const
-{
+QVariantList WeatherWidgetModel::forecastRows() const {
     QVariantList list;
     if (!hasDaily())
         return list;
     for (const auto& row : forecastRowsFor(*m_weatherData->daily)) {
-        list.append(QVariantMap{
-            {"dayName", row.dayName}, {"emoji", row.emoji}, {"maxText", row.maxText}, {"minText", row.minText}});
+        list.append(QVariantMap{{"dayName", row.dayName},
+                                {"emoji", row.emoji},
+                                {"maxText", row.maxText},
+                                {"minText", row.minText}});
     }
     return list;
 }
 
-QString WeatherWidgetModel::wmoEmoji(qint64 code) { return QString::fromUtf8(firstMatch(wmoRows, code).emoji); }
+QString WeatherWidgetModel::wmoEmoji(qint64 code) {
+    return QString::fromUtf8(firstMatch(wmoRows, code).emoji);
+}
 
-QString WeatherWidgetModel::wmoDesc(qint64 code) { return QString::fromUtf8(firstMatch(wmoRows, code).desc); }
+QString WeatherWidgetModel::wmoDesc(qint64 code) {
+    return QString::fromUtf8(firstMatch(wmoRows, code).desc);
+}
 
-QColor WeatherWidgetModel::glowColorFor(qint64 code)
-{
+QColor WeatherWidgetModel::glowColorFor(qint64 code) {
     const auto& row = firstMatch(glowRows, code);
     QColor c(row.red, row.green, row.blue);
     c.setAlphaF(row.opacity);
     return c;
 }
 
-QString WeatherWidgetModel::formatTemperature(double value)
-{
+QString WeatherWidgetModel::formatTemperature(double value) {
     const double whole = std::round(value); // halves away from zero; -0.4 gives -0, shown as 0
     if (!std::isfinite(whole) || std::fabs(whole) >= 9223372036854775808.0)
         return QString::fromUtf8("\u2014\u00B0");
     return QString::number(static_cast<qint64>(whole)) + QString::fromUtf8("\u00B0");
 }
 
-QString WeatherWidgetModel::shortDayName(const QString& date)
-{
+QString WeatherWidgetModel::shortDayName(const QString& date) {
     const QDate day = QDate::fromString(date, "yyyy-MM-dd");
     if (!day.isValid())
         return QString::fromUtf8("\u2014");
@@ -218,46 +211,43 @@ QString WeatherWidgetModel::shortDayName(const QString& date)
     return name.left(1).toUpper() + name.mid(1).toLower();
 }
 
-QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& daily)
-{
+QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& daily) {
     if (daily.temperature_2m_max.isEmpty() || daily.temperature_2m_min.isEmpty())
         return {};
-    return "H:" + formatTemperature(daily.temperature_2m_max.first()) + " L:" +
-           formatTemperature(daily.temperature_2m_min.first());
+    return "H:" + formatTemperature(daily.temperature_2m_max.first()) +
+           " L:" + formatTemperature(daily.temperature_2m_min.first());
 }
 
-QList<WeatherWidgetModel::ForecastRow> WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily)
-{
-    const qsizetype days = std::min({daily.time.size(), daily.weathercode.size(), daily.temperature_2m_max.size(),
-                                     daily.temperature_2m_min.size(), qsizetype(5)});
+QList<WeatherWidgetModel::ForecastRow>
+WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily) {
+    const qsizetype days =
+        std::min({daily.time.size(), daily.weathercode.size(), daily.temperature_2m_max.size(),
+                  daily.temperature_2m_min.size(), qsizetype(5)});
     QList<ForecastRow> rows;
     for (qsizetype i = 1; i < days; ++i) {
         rows.append({shortDayName(daily.time[i]), wmoEmoji(daily.weathercode[i]),
-                     formatTemperature(daily.temperature_2m_max[i]), formatTemperature(daily.temperature_2m_min[i])});
+                     formatTemperature(daily.temperature_2m_max[i]),
+                     formatTemperature(daily.temperature_2m_min[i])});
     }
     return rows;
 }
 
-void WeatherWidgetModel::setLoading(bool v)
-{
+void WeatherWidgetModel::setLoading(bool v) {
     m_loading = v;
     emit loadingChanged();
 }
 
-void WeatherWidgetModel::setConnectionError(bool v)
-{
+void WeatherWidgetModel::setConnectionError(bool v) {
     m_connectionError = v;
     emit connectionErrorChanged();
 }
 
-void WeatherWidgetModel::setCityName(const QString& v)
-{
+void WeatherWidgetModel::setCityName(const QString& v) {
     m_cityName = v;
     emit cityNameChanged();
 }
 
-void WeatherWidgetModel::setGlowColor(const QColor& v)
-{
+void WeatherWidgetModel::setGlowColor(const QColor& v) {
     m_glowColor = v;
     emit glowColorChanged();
 }

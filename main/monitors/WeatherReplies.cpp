@@ -9,13 +9,17 @@
 
 namespace {
 
-WeatherError decodingError(const QString& detail) { return {WeatherError::Kind::Decoding, detail}; }
+WeatherError decodingError(const QString& detail) {
+    return {WeatherError::Kind::Decoding, detail};
+}
 
-WeatherError notAnObject(const char* type) { return decodingError(QString("%1: body is not a JSON object").arg(type)); }
+WeatherError notAnObject(const char* type) {
+    return decodingError(QString("%1: body is not a JSON object").arg(type));
+}
 
 // The error for the first field that did not read, or nothing when all did.
-std::optional<WeatherError> firstInvalid(const char* type, std::initializer_list<std::pair<const char*, bool>> fields)
-{
+std::optional<WeatherError> firstInvalid(const char* type,
+                                         std::initializer_list<std::pair<const char*, bool>> fields) {
     for (const auto& [name, ok] : fields) {
         if (!ok)
             return decodingError(QString("%1: field '%2' missing or of the wrong type").arg(type, name));
@@ -24,8 +28,7 @@ std::optional<WeatherError> firstInvalid(const char* type, std::initializer_list
 }
 
 // Absent or null reads as nothing; anything but an object is an error.
-std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key, bool& ok)
-{
+std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key, bool& ok) {
     const auto v = o.value(key);
     if (v.isUndefined() || v.isNull())
         return std::nullopt;
@@ -34,8 +37,7 @@ std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key
     return v.toObject();
 }
 
-WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v)
-{
+WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v) {
     if (!v.isObject())
         return decodingError("GeocodingResponse.Result: not an object");
     const auto o = v.toObject();
@@ -51,8 +53,7 @@ WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v)
     return GeocodingResponse::Result{*name, *latitude, *longitude, *country};
 }
 
-WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& o)
-{
+WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& o) {
     bool ok = true;
     const auto temperature = json::requiredDouble(o, "temperature_2m");
     const auto code = json::requiredInt(o, "weathercode");
@@ -60,18 +61,17 @@ WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& 
     c.relativehumidity_2m = json::optionalDouble(o, "relativehumidity_2m", ok);
     c.apparent_temperature = json::optionalDouble(o, "apparent_temperature", ok);
     c.windspeed_10m = json::optionalDouble(o, "windspeed_10m", ok);
-    if (auto err = firstInvalid("WeatherResponse.CurrentWeather",
-                                {{"temperature_2m", temperature.has_value()},
-                                 {"weathercode", code.has_value()},
-                                 {"optional fields", ok}}))
+    if (auto err =
+            firstInvalid("WeatherResponse.CurrentWeather", {{"temperature_2m", temperature.has_value()},
+                                                            {"weathercode", code.has_value()},
+                                                            {"optional fields", ok}}))
         return *err;
     c.temperature_2m = *temperature;
     c.weathercode = *code;
     return c;
 }
 
-WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o)
-{
+WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o) {
     const auto time = json::stringArray(o.value("time"));
     const auto code = json::intArray(o.value("weathercode"));
     const auto max = json::doubleArray(o.value("temperature_2m_max"));
@@ -86,8 +86,7 @@ WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o)
 
 } // namespace
 
-WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body)
-{
+WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body) {
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("IPLocation");
@@ -103,8 +102,7 @@ WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body)
     return IPLocation{*lat, *lon, *city, *country};
 }
 
-WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& body)
-{
+WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& body) {
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("GeocodingResponse");
@@ -123,15 +121,15 @@ WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& bod
     return GeocodingResponse{results};
 }
 
-WeatherResult<WeatherResponse> WeatherResponse::decode(const QByteArray& body)
-{
+WeatherResult<WeatherResponse> WeatherResponse::decode(const QByteArray& body) {
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("WeatherResponse");
     bool ok = true;
     const auto currentObject = nestedObject(*o, "current", ok);
     const auto dailyObject = nestedObject(*o, "daily", ok);
-    if (auto err = firstInvalid("WeatherResponse", {{"current", currentObject.has_value() && ok}, {"daily", ok}}))
+    if (auto err =
+            firstInvalid("WeatherResponse", {{"current", currentObject.has_value() && ok}, {"daily", ok}}))
         return *err;
     WeatherResponse response;
     auto current = decodeCurrent(*currentObject);

@@ -18,8 +18,7 @@ struct Answer {
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
 };
 
-Answer fetch(const QString& url, int timeoutMs = 5000)
-{
+Answer fetch(const QString& url, int timeoutMs = 5000) {
     QNetworkAccessManager network;
     QNetworkRequest request{QUrl(url)};
     request.setTransferTimeout(timeoutMs);
@@ -27,13 +26,13 @@ Answer fetch(const QString& url, int timeoutMs = 5000)
     if (!QTest::qWaitFor([&] { return reply->isFinished(); }, timeoutMs + 5000))
         ADD_FAILURE() << "no reply from " << url.toStdString();
     Answer a{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
-             reply->header(QNetworkRequest::ContentTypeHeader).toByteArray(), reply->readAll(), reply->error()};
+             reply->header(QNetworkRequest::ContentTypeHeader).toByteArray(), reply->readAll(),
+             reply->error()};
     delete reply;
     return a;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes)
-{
+void writeFile(const QString& path, const QByteArray& bytes) {
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
     f.write(bytes);
@@ -47,8 +46,7 @@ const QByteArray manifest = R"({
 
 } // namespace
 
-TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines)
-{
+TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines) {
     ReplayServer server;
     ASSERT_TRUE(server.listen());
     server.setJson("/a", R"({"x":1})");
@@ -62,12 +60,11 @@ TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines)
     EXPECT_EQ(b.status, 503);
     EXPECT_EQ(b.body, "down");
     EXPECT_EQ(fetch(server.baseUrl() + "/nothing").status, 404);
-    EXPECT_EQ(server.requestLines(),
-              (QList<QByteArray>{"GET /a?k=%C3%AC&z=1 HTTP/1.1", "GET /b HTTP/1.1", "GET /nothing HTTP/1.1"}));
+    EXPECT_EQ(server.requestLines(), (QList<QByteArray>{"GET /a?k=%C3%AC&z=1 HTTP/1.1", "GET /b HTTP/1.1",
+                                                        "GET /nothing HTTP/1.1"}));
 }
 
-TEST(ReplayServer, AHangingPathNeverAnswers)
-{
+TEST(ReplayServer, AHangingPathNeverAnswers) {
     ReplayServer server;
     ASSERT_TRUE(server.listen());
     server.setHang("/slow");
@@ -77,8 +74,7 @@ TEST(ReplayServer, AHangingPathNeverAnswers)
     EXPECT_EQ(server.requestLines().size(), 1);
 }
 
-TEST(ReplayServer, ReadsAFolderAgainAtEachRequest)
-{
+TEST(ReplayServer, ReadsAFolderAgainAtEachRequest) {
     QTemporaryDir dir;
     writeFile(dir.filePath("replies.json"), manifest);
     writeFile(dir.filePath("ip.json"), R"({"city":"Milan"})");
@@ -101,8 +97,7 @@ TEST(ReplayServer, ReadsAFolderAgainAtEachRequest)
     EXPECT_FALSE(ReplayServer::readDirectory(dir.path()));
 }
 
-TEST(ReplayServer, TheProgramWritesItsPortAndRequestLog)
-{
+TEST(ReplayServer, TheProgramWritesItsPortAndRequestLog) {
     const QString program = qEnvironmentVariable("OMBRIX_BUILD_DIR") + "/tests/support/ombrix-replay-server";
     if (!QFile::exists(program))
         GTEST_SKIP() << "ombrix-replay-server not built";
@@ -126,7 +121,8 @@ TEST(ReplayServer, TheProgramWritesItsPortAndRequestLog)
     EXPECT_EQ(fetch(base + "/v1/search?name=Forl%C3%AC").status, 500);
     QFile logFile(log);
     ASSERT_TRUE(logFile.open(QIODevice::ReadOnly));
-    EXPECT_EQ(logFile.readAll(), "GET /json/?fields=lat,lon HTTP/1.1\nGET /v1/search?name=Forl%C3%AC HTTP/1.1\n");
+    EXPECT_EQ(logFile.readAll(),
+              "GET /json/?fields=lat,lon HTTP/1.1\nGET /v1/search?name=Forl%C3%AC HTTP/1.1\n");
 
     server.kill();
     server.waitForFinished(5000);

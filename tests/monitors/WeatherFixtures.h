@@ -8,8 +8,7 @@
 #include <QByteArray>
 
 // An empty base sends each service back to its public host.
-inline void pointWeatherServicesAt(const QString& base)
-{
+inline void pointWeatherServicesAt(const QString& base) {
     using S = WeatherMonitor::Service;
     for (auto s : {S::IpApi, S::Geocoding, S::Forecast})
         SettingsManager::shared().saveSetting(base, WeatherMonitor::configKey(s));
@@ -33,7 +32,8 @@ inline const QByteArray geoEmpty = R"({"results":[],"generationtime_ms":0.3})";
 inline const QByteArray geoNoCountry = R"({"results":[{"id":1,"name":"Atlantis","latitude":10,
 "longitude":-30,"elevation":0.0,"feature_code":"PPL","timezone":"GMT"}],"generationtime_ms":0.2})";
 
-inline const QByteArray openMeteoError = R"({"error":true,"reason":"Latitude must be in range of -90 to 90°. Given: 91.0."})";
+inline const QByteArray openMeteoError =
+    R"({"error":true,"reason":"Latitude must be in range of -90 to 90°. Given: 91.0."})";
 
 inline const QByteArray forecastMilan = R"({"latitude":45.46,"longitude":9.18,"generationtime_ms":0.0920295,
 "utc_offset_seconds":7200,"timezone":"Europe/Rome","timezone_abbreviation":"CEST","elevation":122.0,

@@ -5,15 +5,11 @@
 
 namespace {
 
-template <typename T>
-bool decodes(const WeatherResult<T>& r)
-{
+template <typename T> bool decodes(const WeatherResult<T>& r) {
     return std::holds_alternative<T>(r);
 }
 
-template <typename T>
-bool failsDecoding(const WeatherResult<T>& r)
-{
+template <typename T> bool failsDecoding(const WeatherResult<T>& r) {
     const auto* err = std::get_if<WeatherError>(&r);
     return err && err->kind == WeatherError::Kind::Decoding;
 }
@@ -26,17 +22,16 @@ struct Case {
 
 } // namespace
 
-TEST(WeatherReplies, IPLocationFromTheServiceShape)
-{
+TEST(WeatherReplies, IPLocationFromTheServiceShape) {
     const auto r = IPLocation::decode(samples::ipMilan);
     ASSERT_TRUE(decodes(r));
     EXPECT_EQ(std::get<IPLocation>(r), (IPLocation{45.4643, 9.1895, "Milan", "Italy"}));
 }
 
-TEST(WeatherReplies, IPLocationRequiresEveryField)
-{
+TEST(WeatherReplies, IPLocationRequiresEveryField) {
     const Case cases[] = {
-        {"whole numbers for coordinates", R"({"lat":45,"lon":9,"city":"Milan","country":"Italy","isp":"x"})", true},
+        {"whole numbers for coordinates", R"({"lat":45,"lon":9,"city":"Milan","country":"Italy","isp":"x"})",
+         true},
         {"no country", R"({"lat":45.1,"lon":9.2,"city":"Milan"})", false},
         {"null city", R"({"lat":45.1,"lon":9.2,"city":null,"country":"Italy"})", false},
         {"coordinate as text", R"({"lat":"45.1","lon":9.2,"city":"Milan","country":"Italy"})", false},
@@ -53,8 +48,7 @@ TEST(WeatherReplies, IPLocationRequiresEveryField)
     }
 }
 
-TEST(WeatherReplies, GeocodingResultsAndTheirAbsence)
-{
+TEST(WeatherReplies, GeocodingResultsAndTheirAbsence) {
     struct GeoCase {
         const char* what;
         QByteArray body;
@@ -90,8 +84,7 @@ TEST(WeatherReplies, GeocodingResultsAndTheirAbsence)
     EXPECT_EQ(milano.results->first(), (GeocodingResponse::Result{"Milano", 45.46427, 9.18951, "Italia"}));
 }
 
-TEST(WeatherReplies, ForecastFromTheServiceShape)
-{
+TEST(WeatherReplies, ForecastFromTheServiceShape) {
     const auto r = WeatherResponse::decode(samples::forecastMilan);
     ASSERT_TRUE(decodes(r));
     const auto& w = std::get<WeatherResponse>(r);
@@ -104,8 +97,7 @@ TEST(WeatherReplies, ForecastFromTheServiceShape)
     EXPECT_EQ(w.daily->temperature_2m_min, (QList<double>{15.2, 14.1, 13.6, -0.4, 17.4}));
 }
 
-TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent)
-{
+TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent) {
     const auto r = WeatherResponse::decode(samples::forecastNoDaily);
     ASSERT_TRUE(decodes(r));
     const auto& w = std::get<WeatherResponse>(r);
@@ -113,16 +105,17 @@ TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent)
     EXPECT_EQ(w.current, (WeatherResponse::CurrentWeather{-3.5, 0, std::nullopt, -7.0, std::nullopt}));
 }
 
-TEST(WeatherReplies, ForecastStrictness)
-{
+TEST(WeatherReplies, ForecastStrictness) {
     const QByteArray daily = R"("daily":{"time":["2024-06-03","2024-06-04"],"weathercode":[1,2],
         "temperature_2m_max":[20,21],"temperature_2m_min":[10,11]})";
     const Case cases[] = {
         {"minimal current", R"({"current":{"temperature_2m":20,"weathercode":1}})", true},
         {"null daily", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":null})", true},
         {"short daily", R"({"current":{"temperature_2m":20,"weathercode":1},)" + daily + "}", true},
-        {"arrays of unequal length", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":{"time":["a"],
-            "weathercode":[],"temperature_2m_max":[1,2,3],"temperature_2m_min":[1]}})", true},
+        {"arrays of unequal length",
+         R"({"current":{"temperature_2m":20,"weathercode":1},"daily":{"time":["a"],
+            "weathercode":[],"temperature_2m_max":[1,2,3],"temperature_2m_min":[1]}})",
+         true},
         {"code written 3.0", R"({"current":{"temperature_2m":20,"weathercode":3.0}})", true},
         {"no current", "{" + daily + "}", false},
         {"null current", R"({"current":null})", false},
@@ -130,13 +123,15 @@ TEST(WeatherReplies, ForecastStrictness)
         {"no temperature", R"({"current":{"weathercode":1}})", false},
         {"fractional code", R"({"current":{"temperature_2m":20,"weathercode":2.5}})", false},
         {"code as text", R"({"current":{"temperature_2m":20,"weathercode":"2"}})", false},
-        {"optional of the wrong type", R"({"current":{"temperature_2m":20,"weathercode":1,"windspeed_10m":"7"}})",
-         false},
+        {"optional of the wrong type",
+         R"({"current":{"temperature_2m":20,"weathercode":1,"windspeed_10m":"7"}})", false},
         {"daily not an object", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":[]})", false},
         {"daily without min", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":{"time":[],
-            "weathercode":[],"temperature_2m_max":[]}})", false},
+            "weathercode":[],"temperature_2m_max":[]}})",
+         false},
         {"null inside an array", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":{"time":["a"],
-            "weathercode":[1],"temperature_2m_max":[null],"temperature_2m_min":[1]}})", false},
+            "weathercode":[1],"temperature_2m_max":[null],"temperature_2m_min":[1]}})",
+         false},
         {"error body", samples::openMeteoError, false},
         {"truncated", samples::forecastMilan.left(200), false},
     };

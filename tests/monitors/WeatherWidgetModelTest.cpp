@@ -1,6 +1,6 @@
+#include "WeatherWidgetModel.h"
 #include "ReplayServer.h"
 #include "WeatherFixtures.h"
-#include "WeatherWidgetModel.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -11,10 +11,11 @@
 
 namespace {
 
-SettingsManager& settings() { return SettingsManager::shared(); }
+SettingsManager& settings() {
+    return SettingsManager::shared();
+}
 
-QByteArray sharedFile()
-{
+QByteArray sharedFile() {
     QFile f(SettingsManager::sharedDataFilePath());
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
@@ -23,39 +24,38 @@ QByteArray sharedFile()
 struct Recorder {
     QStringList events;
 
-    explicit Recorder(WeatherWidgetModel& m)
-    {
+    explicit Recorder(WeatherWidgetModel& m) {
         auto add = [this](const QString& e) { events << e; };
-        QObject::connect(&m, &WeatherWidgetModel::loadingChanged, [&m, add] { add(QString("loading=%1").arg(m.loading())); });
+        QObject::connect(&m, &WeatherWidgetModel::loadingChanged,
+                         [&m, add] { add(QString("loading=%1").arg(m.loading())); });
         QObject::connect(&m, &WeatherWidgetModel::connectionErrorChanged,
                          [&m, add] { add(QString("error=%1").arg(m.connectionError())); });
-        QObject::connect(&m, &WeatherWidgetModel::cityNameChanged, [&m, add] { add("city=" + m.cityName()); });
+        QObject::connect(&m, &WeatherWidgetModel::cityNameChanged,
+                         [&m, add] { add("city=" + m.cityName()); });
         QObject::connect(&m, &WeatherWidgetModel::weatherDataChanged, [add] { add("data"); });
         QObject::connect(&m, &WeatherWidgetModel::glowColorChanged,
                          [&m, add] { add("glow=" + m.glowColor().name(QColor::HexArgb)); });
     }
     qsizetype count(const QString& e) const { return events.count(e); }
     // Waits until `n` loads have ended, one way or the other.
-    bool waitForEnds(qsizetype n) const
-    {
+    bool waitForEnds(qsizetype n) const {
         return QTest::qWaitFor([&] { return count("loading=0") >= n; }, 10000);
     }
 };
 
-const QStringList firstSuccess = {"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#99ffc832"};
+const QStringList firstSuccess = {"loading=1", "error=0",   "city=Milan",
+                                  "data",      "loading=0", "glow=#99ffc832"};
 
 class WeatherWidgetModelTest : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
+  protected:
+    void SetUp() override {
         ASSERT_TRUE(server.listen());
         pointWeatherServicesAt(server.baseUrl());
         reset();
     }
     void TearDown() override { pointWeatherServicesAt(""); }
 
-    void reset()
-    {
+    void reset() {
         server.setJson("/json/", samples::ipMilan);
         server.setJson("/v1/forecast", samples::forecastMilan);
         settings().saveWeatherSettings(WeatherSettings{});
@@ -68,8 +68,7 @@ protected:
 
 } // namespace
 
-TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown)
-{
+TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown) {
     WeatherWidgetModel model;
     EXPECT_TRUE(model.loading());
     EXPECT_FALSE(model.connectionError());
@@ -81,19 +80,19 @@ TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown)
     EXPECT_TRUE(server.requestLines().isEmpty()); // nothing before it is on screen
 }
 
-TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather)
-{
+TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather) {
     WeatherWidgetModel model;
     Recorder rec(model);
     model.setActive(true);
     ASSERT_TRUE(rec.waitForEnds(1));
     EXPECT_EQ(rec.events, firstSuccess);
-    EXPECT_EQ(server.requestLines(),
-              (QList<QByteArray>{
-                  "GET /json/?fields=lat,lon,city,country HTTP/1.1",
-                  "GET /v1/forecast?latitude=45.4643&longitude=9.1895&current=temperature_2m,weathercode,"
-                  "windspeed_10m,relativehumidity_2m,apparent_temperature&daily=weathercode,temperature_2m_max,"
-                  "temperature_2m_min&timezone=auto&forecast_days=5 HTTP/1.1"}));
+    EXPECT_EQ(
+        server.requestLines(),
+        (QList<QByteArray>{
+            "GET /json/?fields=lat,lon,city,country HTTP/1.1",
+            "GET /v1/forecast?latitude=45.4643&longitude=9.1895&current=temperature_2m,weathercode,"
+            "windspeed_10m,relativehumidity_2m,apparent_temperature&daily=weathercode,temperature_2m_max,"
+            "temperature_2m_min&timezone=auto&forecast_days=5 HTTP/1.1"}));
 
     EXPECT_EQ(model.temperatureText(), QString::fromUtf8("22°"));
     EXPECT_EQ(model.weatherEmoji(), QString::fromUtf8("\u26C5"));
@@ -113,8 +112,7 @@ TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather)
     EXPECT_EQ(file.value("weather").toObject(), expected.toJsonObject());
 }
 
-TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordinates)
-{
+TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordinates) {
     struct Case {
         WeatherSettings stored;
         QString city;
@@ -122,7 +120,9 @@ TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordi
         QByteArray coordinates;
     };
     const Case cases[] = {
-        {{true, "Reggio nell'Emilia, Italia", 44.69825, 10.63125}, "Reggio nell'Emilia", false,
+        {{true, "Reggio nell'Emilia, Italia", 44.69825, 10.63125},
+         "Reggio nell'Emilia",
+         false,
          "latitude=44.69825&longitude=10.63125"},
         {{true, "Bolzano", 46.5, 11.35}, "Bolzano", false, "latitude=46.5&longitude=11.35"},
         {{true, " Roma , Italia, EU", 41.9, 12.5}, " Roma ", false, "latitude=41.9&longitude=12.5"},
@@ -141,13 +141,13 @@ TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordi
         EXPECT_EQ(settings().sharedData().weather->city, c.city);
         EXPECT_EQ(server.requestLines().size(), c.askedIp ? 2 : 1);
         EXPECT_EQ(server.requestLines().first().startsWith("GET /json/"), c.askedIp);
-        EXPECT_TRUE(server.requestLines().last().startsWith("GET /v1/forecast?" + c.coordinates + "&current="))
+        EXPECT_TRUE(
+            server.requestLines().last().startsWith("GET /v1/forecast?" + c.coordinates + "&current="))
             << server.requestLines().last().toStdString();
     }
 }
 
-TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown)
-{
+TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown) {
     WeatherWidgetModel model;
     Recorder rec(model);
     model.setActive(true);
@@ -173,7 +173,8 @@ TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown)
     rec.events.clear();
     model.loadWeatherData();
     ASSERT_TRUE(rec.waitForEnds(1));
-    EXPECT_EQ(rec.events, (QStringList{"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#ffffc832"}));
+    EXPECT_EQ(rec.events,
+              (QStringList{"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#ffffc832"}));
     EXPECT_FALSE(model.connectionError());
     EXPECT_EQ(model.temperatureText(), QString::fromUtf8("-4°"));
     EXPECT_EQ(model.weatherDescription(), "Sereno");
@@ -183,15 +184,17 @@ TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown)
     EXPECT_EQ(settings().sharedData().weather, (WeatherData{"Milan", -3.5, 0, -7.0}));
 }
 
-TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError)
-{
+TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError) {
     struct Case {
         const char* what;
         std::function<void()> breakServer;
     };
     const Case cases[] = {
         {"ip reply without fields", [this] { server.setJson("/json/", samples::ipFail); }},
-        {"forecast not JSON", [this] { server.setReply("/v1/forecast", {502, "Bad Gateway", "text/html"}); }},
+        {"forecast not JSON",
+         [this] {
+             server.setReply("/v1/forecast", {502, "Bad Gateway", "text/html"});
+         }},
         {"ip server hangs", [this] { server.setHang("/json/"); }},
     };
     auto& monitor = WeatherMonitor::shared();
@@ -213,8 +216,7 @@ TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError)
     monitor.setTransferTimeout(normalTimeout);
 }
 
-TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads)
-{
+TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads) {
     settings().saveWeatherSettings({true, "Roma, Italia", 41.9, 12.5});
     WeatherWidgetModel model;
     Recorder rec(model);
@@ -253,8 +255,7 @@ TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads)
     EXPECT_EQ(model.cityName(), "Torino");
 }
 
-TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive)
-{
+TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive) {
     WeatherWidgetModel model;
     Recorder rec(model);
     EXPECT_FALSE(model.refreshScheduled());
@@ -267,8 +268,7 @@ TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive)
     EXPECT_EQ(WeatherWidgetModel::refreshIntervalMs, 900000);
 }
 
-TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState)
-{
+TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState) {
     auto& monitor = WeatherMonitor::shared();
     const int normalTimeout = monitor.transferTimeout();
     monitor.setTransferTimeout(500);
@@ -290,8 +290,7 @@ TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState)
     monitor.setTransferTimeout(normalTimeout);
 }
 
-TEST_F(WeatherWidgetModelTest, AClosedWidgetIgnoresLateReplies)
-{
+TEST_F(WeatherWidgetModelTest, AClosedWidgetIgnoresLateReplies) {
     auto model = std::make_unique<WeatherWidgetModel>();
     QSignalSpy requests(&server, &ReplayServer::requestReceived);
     model->setActive(true);

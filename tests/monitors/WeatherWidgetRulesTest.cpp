@@ -16,8 +16,7 @@ const QString storm = QString::fromUtf8("\u26C8\uFE0F");
 const QString thermometer = QString::fromUtf8("\U0001F321\uFE0F");
 const QString dash = QString::fromUtf8("\u2014");
 
-WeatherResponse::DailyForecast week()
-{
+WeatherResponse::DailyForecast week() {
     return {{"2024-06-03", "2024-06-04", "2024-06-05", "2024-06-06", "2024-06-07"},
             {2, 61, 3, 0, 95},
             {24.4, 19.8, 22, 26.5, 27.9},
@@ -26,21 +25,34 @@ WeatherResponse::DailyForecast week()
 
 } // namespace
 
-TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription)
-{
+TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription) {
     struct Case {
         qint64 code;
         QString emoji;
         const char* desc;
     };
     const Case cases[] = {
-        {0, sun, "Sereno"},           {1, partly, "Parz. nuvoloso"}, {2, partly, "Parz. nuvoloso"},
-        {-1, partly, "Parz. nuvoloso"}, {-100, partly, "Parz. nuvoloso"}, {3, cloud, "Nuvoloso"},
-        {4, fog, "Nebbia"},           {45, fog, "Nebbia"},           {49, fog, "Nebbia"},
-        {50, rain, "Pioggerella"},    {57, rain, "Pioggerella"},     {58, rain, "Pioggia"},
-        {67, rain, "Pioggia"},        {68, snow, "Neve"},            {77, snow, "Neve"},
-        {78, showers, "Rovesci"},     {79, showers, "Rovesci"},      {82, showers, "Rovesci"},
-        {83, storm, "Temporale"},     {99, storm, "Temporale"},      {100, thermometer, "Sconosciuto"},
+        {0, sun, "Sereno"},
+        {1, partly, "Parz. nuvoloso"},
+        {2, partly, "Parz. nuvoloso"},
+        {-1, partly, "Parz. nuvoloso"},
+        {-100, partly, "Parz. nuvoloso"},
+        {3, cloud, "Nuvoloso"},
+        {4, fog, "Nebbia"},
+        {45, fog, "Nebbia"},
+        {49, fog, "Nebbia"},
+        {50, rain, "Pioggerella"},
+        {57, rain, "Pioggerella"},
+        {58, rain, "Pioggia"},
+        {67, rain, "Pioggia"},
+        {68, snow, "Neve"},
+        {77, snow, "Neve"},
+        {78, showers, "Rovesci"},
+        {79, showers, "Rovesci"},
+        {82, showers, "Rovesci"},
+        {83, storm, "Temporale"},
+        {99, storm, "Temporale"},
+        {100, thermometer, "Sconosciuto"},
         {std::numeric_limits<qint64>::max(), thermometer, "Sconosciuto"},
     };
     for (const auto& c : cases) {
@@ -49,8 +61,7 @@ TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription)
     }
 }
 
-TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable)
-{
+TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable) {
     struct Case {
         qint64 code;
         int r, g, b;
@@ -71,32 +82,43 @@ TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable)
     }
 }
 
-TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees)
-{
+TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees) {
     const double inf = std::numeric_limits<double>::infinity();
     const std::pair<double, const char*> cases[] = {
-        {21.5, "22°"},  {-3.5, "-4°"},  {-0.4, "0°"},  {-0.5, "-1°"}, {0.5, "1°"},   {24.49, "24°"},
-        {0, "0°"},      {-0.0, "0°"},   {13.6, "14°"}, {-12.2, "-12°"}, {1e18, "1000000000000000000°"},
-        {inf, "—°"},    {-inf, "—°"},   {std::nan(""), "—°"}, {1e19, "—°"}, {-1e300, "—°"},
+        {21.5, "22°"},
+        {-3.5, "-4°"},
+        {-0.4, "0°"},
+        {-0.5, "-1°"},
+        {0.5, "1°"},
+        {24.49, "24°"},
+        {0, "0°"},
+        {-0.0, "0°"},
+        {13.6, "14°"},
+        {-12.2, "-12°"},
+        {1e18, "1000000000000000000°"},
+        {inf, "—°"},
+        {-inf, "—°"},
+        {std::nan(""), "—°"},
+        {1e19, "—°"},
+        {-1e300, "—°"},
     };
     for (const auto& [value, text] : cases)
         EXPECT_EQ(WeatherWidgetModel::formatTemperature(value), QString::fromUtf8(text)) << value;
 }
 
-TEST(WeatherWidgetRules, ShortDayNamesAreItalian)
-{
+TEST(WeatherWidgetRules, ShortDayNamesAreItalian) {
     const std::pair<const char*, const char*> cases[] = {
-        {"2024-06-03", "Lun"}, {"2024-06-04", "Mar"}, {"2024-06-05", "Mer"}, {"2024-06-06", "Gio"},
-        {"2024-06-07", "Ven"}, {"2024-06-08", "Sab"}, {"2024-06-09", "Dom"}, {"2024-02-29", "Gio"},
-        {"", "—"},             {"2024-02-30", "—"},   {"03/06/2024", "—"},   {"2024-06-03T10:00", "—"},
+        {"2024-06-03", "Lun"}, {"2024-06-04", "Mar"}, {"2024-06-05", "Mer"},
+        {"2024-06-06", "Gio"}, {"2024-06-07", "Ven"}, {"2024-06-08", "Sab"},
+        {"2024-06-09", "Dom"}, {"2024-02-29", "Gio"}, {"", "—"},
+        {"2024-02-30", "—"},   {"03/06/2024", "—"},   {"2024-06-03T10:00", "—"},
         {"domani", "—"},
     };
     for (const auto& [date, name] : cases)
         EXPECT_EQ(WeatherWidgetModel::shortDayName(date), QString::fromUtf8(name)) << date;
 }
 
-TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin)
-{
+TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin) {
     EXPECT_EQ(WeatherWidgetModel::highLowLine(week()), QString::fromUtf8("H:24° L:15°"));
     auto noMax = week();
     noMax.temperature_2m_max.clear();
@@ -110,8 +132,7 @@ TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin)
     EXPECT_EQ(WeatherWidgetModel::highLowLine(onlyTemperatures), QString::fromUtf8("H:24° L:15°"));
 }
 
-TEST(WeatherWidgetRules, ForecastRowsForDaysOneToFourThatAllArraysHave)
-{
+TEST(WeatherWidgetRules, ForecastRowsForDaysOneToFourThatAllArraysHave) {
     using Row = WeatherWidgetModel::ForecastRow;
     const auto rows = WeatherWidgetModel::forecastRowsFor(week());
     EXPECT_EQ(rows, (QList<Row>{{"Mar", rain, "20°", "14°"},
