@@ -15,7 +15,9 @@ namespace {
 
 // The code tables are chains of tests read from the top: the first row that holds decides.
 // Only the first row asks for equality, so a negative code falls to the second.
-template <typename Row, std::size_t N> const Row& firstMatch(const Row (&rows)[N], qint64 code) {
+template <typename Row, std::size_t N>
+const Row& firstMatch(const Row (&rows)[N], qint64 code)
+{
     for (const Row& row : rows) {
         if (row.exact ? code == row.bound : code <= row.bound)
             return row;
@@ -60,7 +62,8 @@ const GlowRow glowRows[] = {
 
 } // namespace
 
-WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent) {
+WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent)
+{
     auto& settings = SettingsManager::shared();
     m_seenCity = settings.weatherSettings().city;
     m_seenUseManual = settings.weatherSettings().useManual;
@@ -72,7 +75,8 @@ WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent) {
     connect(&m_timer, &QTimer::timeout, this, &WeatherWidgetModel::loadWeatherData);
 }
 
-void WeatherWidgetModel::setActive(bool active) {
+void WeatherWidgetModel::setActive(bool active)
+{
     if (active == m_active)
         return;
     m_active = active;
@@ -86,7 +90,8 @@ void WeatherWidgetModel::setActive(bool active) {
     loadWeatherData();
 }
 
-void WeatherWidgetModel::onWeatherSettingsChanged() {
+void WeatherWidgetModel::onWeatherSettingsChanged()
+{
     const auto s = SettingsManager::shared().weatherSettings();
     const bool cityChanged = s.city != m_seenCity;
     const bool choiceChanged = s.useManual != m_seenUseManual;
@@ -101,7 +106,8 @@ void WeatherWidgetModel::onWeatherSettingsChanged() {
         loadWeatherData();
 }
 
-void WeatherWidgetModel::loadWeatherData() {
+void WeatherWidgetModel::loadWeatherData()
+{
     setLoading(true);
     setConnectionError(false);
     const auto s = SettingsManager::shared().weatherSettings();
@@ -117,7 +123,8 @@ void WeatherWidgetModel::loadWeatherData() {
     });
 }
 
-void WeatherWidgetModel::fetchWeatherFor(double latitude, double longitude, const QString& city) {
+void WeatherWidgetModel::fetchWeatherFor(double latitude, double longitude, const QString& city)
+{
     WeatherMonitor::shared().fetchWeather(latitude, longitude, this,
                                           [this, city](const WeatherResult<WeatherResponse>& r) {
                                               if (const auto* reply = std::get_if<WeatherResponse>(&r))
@@ -127,7 +134,8 @@ void WeatherWidgetModel::fetchWeatherFor(double latitude, double longitude, cons
                                           });
 }
 
-void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse& reply) {
+void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse& reply)
+{
     setCityName(city);
     m_weatherData = reply;
     emit weatherDataChanged();
@@ -142,33 +150,37 @@ void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse
     settings.updateSharedWidgetData();
 }
 
-void WeatherWidgetModel::failLoad() {
+void WeatherWidgetModel::failLoad()
+{
     // What was shown stays; the view puts the error panel over it until the next success.
     setConnectionError(true);
     setLoading(false);
 }
 
-void WeatherWidgetModel::updateGlow(qint64 code) {
-    setGlowColor(glowColorFor(code));
-}
+void WeatherWidgetModel::updateGlow(qint64 code) { setGlowColor(glowColorFor(code)); }
 
-QString WeatherWidgetModel::temperatureText() const {
+QString WeatherWidgetModel::temperatureText() const
+{
     return m_weatherData ? formatTemperature(m_weatherData->current.temperature_2m) : QString();
 }
 
-QString WeatherWidgetModel::weatherEmoji() const {
+QString WeatherWidgetModel::weatherEmoji() const
+{
     return m_weatherData ? wmoEmoji(m_weatherData->current.weathercode) : QString();
 }
 
-QString WeatherWidgetModel::weatherDescription() const {
+QString WeatherWidgetModel::weatherDescription() const
+{
     return m_weatherData ? wmoDesc(m_weatherData->current.weathercode) : QString();
 }
 
-QString WeatherWidgetModel::highLowText() const {
+QString WeatherWidgetModel::highLowText() const
+{
     return hasDaily() ? highLowLine(*m_weatherData->daily) : QString();
 }
 
-QVariantList WeatherWidgetModel::forecastRows() const {
+QVariantList WeatherWidgetModel::forecastRows() const
+{
     QVariantList list;
     if (!hasDaily())
         return list;
@@ -181,29 +193,31 @@ QVariantList WeatherWidgetModel::forecastRows() const {
     return list;
 }
 
-QString WeatherWidgetModel::wmoEmoji(qint64 code) {
+QString WeatherWidgetModel::wmoEmoji(qint64 code)
+{
     return QString::fromUtf8(firstMatch(wmoRows, code).emoji);
 }
 
-QString WeatherWidgetModel::wmoDesc(qint64 code) {
-    return QString::fromUtf8(firstMatch(wmoRows, code).desc);
-}
+QString WeatherWidgetModel::wmoDesc(qint64 code) { return QString::fromUtf8(firstMatch(wmoRows, code).desc); }
 
-QColor WeatherWidgetModel::glowColorFor(qint64 code) {
+QColor WeatherWidgetModel::glowColorFor(qint64 code)
+{
     const auto& row = firstMatch(glowRows, code);
     QColor c(row.red, row.green, row.blue);
     c.setAlphaF(row.opacity);
     return c;
 }
 
-QString WeatherWidgetModel::formatTemperature(double value) {
+QString WeatherWidgetModel::formatTemperature(double value)
+{
     const double whole = std::round(value); // halves away from zero; -0.4 gives -0, shown as 0
     if (!std::isfinite(whole) || std::fabs(whole) >= 9223372036854775808.0)
         return QString::fromUtf8("\u2014\u00B0");
     return QString::number(static_cast<qint64>(whole)) + QString::fromUtf8("\u00B0");
 }
 
-QString WeatherWidgetModel::shortDayName(const QString& date) {
+QString WeatherWidgetModel::shortDayName(const QString& date)
+{
     const QDate day = QDate::fromString(date, "yyyy-MM-dd");
     if (!day.isValid())
         return QString::fromUtf8("\u2014");
@@ -211,7 +225,8 @@ QString WeatherWidgetModel::shortDayName(const QString& date) {
     return name.left(1).toUpper() + name.mid(1).toLower();
 }
 
-QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& daily) {
+QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& daily)
+{
     if (daily.temperature_2m_max.isEmpty() || daily.temperature_2m_min.isEmpty())
         return {};
     return "H:" + formatTemperature(daily.temperature_2m_max.first()) +
@@ -219,7 +234,8 @@ QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& da
 }
 
 QList<WeatherWidgetModel::ForecastRow>
-WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily) {
+WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily)
+{
     const qsizetype days =
         std::min({daily.time.size(), daily.weathercode.size(), daily.temperature_2m_max.size(),
                   daily.temperature_2m_min.size(), qsizetype(5)});
@@ -232,22 +248,26 @@ WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily)
     return rows;
 }
 
-void WeatherWidgetModel::setLoading(bool v) {
+void WeatherWidgetModel::setLoading(bool v)
+{
     m_loading = v;
     emit loadingChanged();
 }
 
-void WeatherWidgetModel::setConnectionError(bool v) {
+void WeatherWidgetModel::setConnectionError(bool v)
+{
     m_connectionError = v;
     emit connectionErrorChanged();
 }
 
-void WeatherWidgetModel::setCityName(const QString& v) {
+void WeatherWidgetModel::setCityName(const QString& v)
+{
     m_cityName = v;
     emit cityNameChanged();
 }
 
-void WeatherWidgetModel::setGlowColor(const QColor& v) {
+void WeatherWidgetModel::setGlowColor(const QColor& v)
+{
     m_glowColor = v;
     emit glowColorChanged();
 }

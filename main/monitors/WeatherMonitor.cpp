@@ -16,7 +16,8 @@ struct Endpoint {
 };
 
 // The public hosts, each replaceable by a base URL in the settings (tests point them at 127.0.0.1).
-Endpoint endpoint(WeatherMonitor::Service service) {
+Endpoint endpoint(WeatherMonitor::Service service)
+{
     switch (service) {
     case WeatherMonitor::Service::IpApi:
         return {"service.ipapi.base", "http://ip-api.com"};
@@ -29,13 +30,15 @@ Endpoint endpoint(WeatherMonitor::Service service) {
 }
 
 // The reply errors Qt derives from an HTTP status; the body came whole with them.
-bool isStatusError(QNetworkReply::NetworkError e) {
+bool isStatusError(QNetworkReply::NetworkError e)
+{
     return (e >= QNetworkReply::ContentAccessDenied && e <= QNetworkReply::UnknownContentError) ||
            (e >= QNetworkReply::InternalServerError && e <= QNetworkReply::UnknownServerError) ||
            e == QNetworkReply::ProtocolInvalidOperationError;
 }
 
-bool arrivedWhole(QNetworkReply* reply) {
+bool arrivedWhole(QNetworkReply* reply)
+{
     const auto e = reply->error();
     if (e == QNetworkReply::NoError)
         return true;
@@ -44,7 +47,8 @@ bool arrivedWhole(QNetworkReply* reply) {
 
 // Runs `decode` on a body, or passes the error on unchanged.
 template <typename T, typename Decode>
-WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode) {
+WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode)
+{
     if (const auto* err = std::get_if<WeatherError>(&body))
         return *err;
     return decode(std::get<QByteArray>(body));
@@ -52,19 +56,17 @@ WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode
 
 } // namespace
 
-WeatherMonitor& WeatherMonitor::shared() {
+WeatherMonitor& WeatherMonitor::shared()
+{
     static WeatherMonitor instance;
     return instance;
 }
 
-const char* WeatherMonitor::configKey(Service service) {
-    return endpoint(service).configKey;
-}
-const char* WeatherMonitor::defaultBaseUrl(Service service) {
-    return endpoint(service).defaultBase;
-}
+const char* WeatherMonitor::configKey(Service service) { return endpoint(service).configKey; }
+const char* WeatherMonitor::defaultBaseUrl(Service service) { return endpoint(service).defaultBase; }
 
-QString WeatherMonitor::baseUrl(Service service) {
+QString WeatherMonitor::baseUrl(Service service)
+{
     const auto e = endpoint(service);
     const auto configured = SettingsManager::shared().configString(e.configKey);
     if (configured && !configured->isEmpty())
@@ -72,7 +74,8 @@ QString WeatherMonitor::baseUrl(Service service) {
     return e.defaultBase;
 }
 
-std::optional<QByteArray> WeatherMonitor::encodeQueryValue(const QString& text) {
+std::optional<QByteArray> WeatherMonitor::encodeQueryValue(const QString& text)
+{
     // A lone surrogate has no UTF-8 form.
     if (!text.isValidUtf16())
         return std::nullopt;
@@ -80,7 +83,8 @@ std::optional<QByteArray> WeatherMonitor::encodeQueryValue(const QString& text) 
     return text.toUtf8().toPercentEncoding("!$&'()*+,;=:@/?");
 }
 
-QByteArray WeatherMonitor::coordinateText(double value) {
+QByteArray WeatherMonitor::coordinateText(double value)
+{
     // The shortest decimal that reads back as the same double, never with an exponent (coordinates
     // are small, and a tiny one is clearer as 0.00005 than as 5e-05).
     char buf[400];
@@ -92,14 +96,16 @@ QByteArray WeatherMonitor::coordinateText(double value) {
     return text;
 }
 
-QByteArray WeatherMonitor::forecastQuery(double latitude, double longitude) {
+QByteArray WeatherMonitor::forecastQuery(double latitude, double longitude)
+{
     return "latitude=" + coordinateText(latitude) + "&longitude=" + coordinateText(longitude) +
            "&current=temperature_2m,weathercode,windspeed_10m,relativehumidity_2m,apparent_temperature"
            "&daily=weathercode,temperature_2m_max,temperature_2m_min&timezone=auto&forecast_days=5";
 }
 
 std::optional<QUrl> WeatherMonitor::buildUrl(const QString& base, const QByteArray& path,
-                                             const QByteArray& query) {
+                                             const QByteArray& query)
+{
     QByteArray text = base.toUtf8();
     while (text.endsWith('/'))
         text.chop(1);
@@ -113,7 +119,8 @@ std::optional<QUrl> WeatherMonitor::buildUrl(const QString& base, const QByteArr
 }
 
 void WeatherMonitor::get(Service service, const QByteArray& path, const std::optional<QByteArray>& query,
-                         QObject* context, std::function<void(WeatherResult<QByteArray>)> done) {
+                         QObject* context, std::function<void(WeatherResult<QByteArray>)> done)
+{
     const QPointer<QObject> guard(context);
     auto deliver = [guard, guarded = context != nullptr,
                     done = std::move(done)](const WeatherResult<QByteArray>& r) {
@@ -145,7 +152,8 @@ void WeatherMonitor::get(Service service, const QByteArray& path, const std::opt
     });
 }
 
-void WeatherMonitor::fetchIPLocation(QObject* context, Callback<IPLocation> done) {
+void WeatherMonitor::fetchIPLocation(QObject* context, Callback<IPLocation> done)
+{
     get(Service::IpApi, "/json/", QByteArray("fields=lat,lon,city,country"), context,
         [done = std::move(done)](WeatherResult<QByteArray> body) {
             done(decodeBody<IPLocation>(body, IPLocation::decode));
@@ -153,7 +161,8 @@ void WeatherMonitor::fetchIPLocation(QObject* context, Callback<IPLocation> done
 }
 
 void WeatherMonitor::searchCityCoordinates(const QString& name, QObject* context,
-                                           Callback<std::optional<WeatherSettings>> done) {
+                                           Callback<std::optional<WeatherSettings>> done)
+{
     const auto encoded = encodeQueryValue(name);
     const auto query =
         encoded ? std::optional("name=" + *encoded + "&count=1&language=it&format=json") : std::nullopt;
@@ -174,7 +183,8 @@ void WeatherMonitor::searchCityCoordinates(const QString& name, QObject* context
 }
 
 void WeatherMonitor::fetchWeather(double latitude, double longitude, QObject* context,
-                                  Callback<WeatherResponse> done) {
+                                  Callback<WeatherResponse> done)
+{
     get(Service::Forecast, "/v1/forecast", forecastQuery(latitude, longitude), context,
         [done = std::move(done)](WeatherResult<QByteArray> body) {
             done(decodeBody<WeatherResponse>(body, WeatherResponse::decode));

@@ -12,8 +12,9 @@
 #include <optional>
 
 class WeatherMonitor {
-  public:
-    template <typename T> using Callback = std::function<void(WeatherResult<T>)>;
+public:
+    template <typename T>
+    using Callback = std::function<void(WeatherResult<T>)>;
 
     enum class Service { IpApi, Geocoding, Forecast };
 
@@ -47,7 +48,7 @@ class WeatherMonitor {
     WeatherMonitor(const WeatherMonitor&) = delete;
     WeatherMonitor& operator=(const WeatherMonitor&) = delete;
 
-  private:
+private:
     WeatherMonitor() = default;
     // One GET; the body of any reply that arrives, or the transport error.
     void get(Service service, const QByteArray& path, const std::optional<QByteArray>& query,

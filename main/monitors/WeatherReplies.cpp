@@ -9,17 +9,17 @@
 
 namespace {
 
-WeatherError decodingError(const QString& detail) {
-    return {WeatherError::Kind::Decoding, detail};
-}
+WeatherError decodingError(const QString& detail) { return {WeatherError::Kind::Decoding, detail}; }
 
-WeatherError notAnObject(const char* type) {
+WeatherError notAnObject(const char* type)
+{
     return decodingError(QString("%1: body is not a JSON object").arg(type));
 }
 
 // The error for the first field that did not read, or nothing when all did.
 std::optional<WeatherError> firstInvalid(const char* type,
-                                         std::initializer_list<std::pair<const char*, bool>> fields) {
+                                         std::initializer_list<std::pair<const char*, bool>> fields)
+{
     for (const auto& [name, ok] : fields) {
         if (!ok)
             return decodingError(QString("%1: field '%2' missing or of the wrong type").arg(type, name));
@@ -28,7 +28,8 @@ std::optional<WeatherError> firstInvalid(const char* type,
 }
 
 // Absent or null reads as nothing; anything but an object is an error.
-std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key, bool& ok) {
+std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key, bool& ok)
+{
     const auto v = o.value(key);
     if (v.isUndefined() || v.isNull())
         return std::nullopt;
@@ -37,7 +38,8 @@ std::optional<QJsonObject> nestedObject(const QJsonObject& o, const QString& key
     return v.toObject();
 }
 
-WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v) {
+WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v)
+{
     if (!v.isObject())
         return decodingError("GeocodingResponse.Result: not an object");
     const auto o = v.toObject();
@@ -53,7 +55,8 @@ WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v) {
     return GeocodingResponse::Result{*name, *latitude, *longitude, *country};
 }
 
-WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& o) {
+WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& o)
+{
     bool ok = true;
     const auto temperature = json::requiredDouble(o, "temperature_2m");
     const auto code = json::requiredInt(o, "weathercode");
@@ -71,7 +74,8 @@ WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& 
     return c;
 }
 
-WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o) {
+WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o)
+{
     const auto time = json::stringArray(o.value("time"));
     const auto code = json::intArray(o.value("weathercode"));
     const auto max = json::doubleArray(o.value("temperature_2m_max"));
@@ -86,7 +90,8 @@ WeatherResult<WeatherResponse::DailyForecast> decodeDaily(const QJsonObject& o) 
 
 } // namespace
 
-WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body) {
+WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body)
+{
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("IPLocation");
@@ -102,7 +107,8 @@ WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body) {
     return IPLocation{*lat, *lon, *city, *country};
 }
 
-WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& body) {
+WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& body)
+{
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("GeocodingResponse");
@@ -121,7 +127,8 @@ WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& bod
     return GeocodingResponse{results};
 }
 
-WeatherResult<WeatherResponse> WeatherResponse::decode(const QByteArray& body) {
+WeatherResult<WeatherResponse> WeatherResponse::decode(const QByteArray& body)
+{
     const auto o = json::parseObject(body);
     if (!o)
         return notAnObject("WeatherResponse");

@@ -18,7 +18,8 @@ struct Answer {
     QNetworkReply::NetworkError error = QNetworkReply::NoError;
 };
 
-Answer fetch(const QString& url, int timeoutMs = 5000) {
+Answer fetch(const QString& url, int timeoutMs = 5000)
+{
     QNetworkAccessManager network;
     QNetworkRequest request{QUrl(url)};
     request.setTransferTimeout(timeoutMs);
@@ -32,7 +33,8 @@ Answer fetch(const QString& url, int timeoutMs = 5000) {
     return a;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes) {
+void writeFile(const QString& path, const QByteArray& bytes)
+{
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
     f.write(bytes);
@@ -46,7 +48,8 @@ const QByteArray manifest = R"({
 
 } // namespace
 
-TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines) {
+TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines)
+{
     ReplayServer server;
     ASSERT_TRUE(server.listen());
     server.setJson("/a", R"({"x":1})");
@@ -64,7 +67,8 @@ TEST(ReplayServer, ServesRepliesByPathAndRecordsRequestLines) {
                                                         "GET /nothing HTTP/1.1"}));
 }
 
-TEST(ReplayServer, AHangingPathNeverAnswers) {
+TEST(ReplayServer, AHangingPathNeverAnswers)
+{
     ReplayServer server;
     ASSERT_TRUE(server.listen());
     server.setHang("/slow");
@@ -74,7 +78,8 @@ TEST(ReplayServer, AHangingPathNeverAnswers) {
     EXPECT_EQ(server.requestLines().size(), 1);
 }
 
-TEST(ReplayServer, ReadsAFolderAgainAtEachRequest) {
+TEST(ReplayServer, ReadsAFolderAgainAtEachRequest)
+{
     QTemporaryDir dir;
     writeFile(dir.filePath("replies.json"), manifest);
     writeFile(dir.filePath("ip.json"), R"({"city":"Milan"})");
@@ -97,7 +102,8 @@ TEST(ReplayServer, ReadsAFolderAgainAtEachRequest) {
     EXPECT_FALSE(ReplayServer::readDirectory(dir.path()));
 }
 
-TEST(ReplayServer, TheProgramWritesItsPortAndRequestLog) {
+TEST(ReplayServer, TheProgramWritesItsPortAndRequestLog)
+{
     const QString program = qEnvironmentVariable("OMBRIX_BUILD_DIR") + "/tests/support/ombrix-replay-server";
     if (!QFile::exists(program))
         GTEST_SKIP() << "ombrix-replay-server not built";

@@ -8,7 +8,8 @@
 #include <QByteArray>
 
 // An empty base sends each service back to its public host.
-inline void pointWeatherServicesAt(const QString& base) {
+inline void pointWeatherServicesAt(const QString& base)
+{
     using S = WeatherMonitor::Service;
     for (auto s : {S::IpApi, S::Geocoding, S::Forecast})
         SettingsManager::shared().saveSetting(base, WeatherMonitor::configKey(s));

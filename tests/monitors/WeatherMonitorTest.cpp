@@ -15,7 +15,9 @@ namespace {
 using Service = WeatherMonitor::Service;
 
 // Starts a call with a recording callback and waits for its one answer.
-template <typename T, typename Start> WeatherResult<T> answerOf(Start start) {
+template <typename T, typename Start>
+WeatherResult<T> answerOf(Start start)
+{
     int calls = 0;
     std::optional<WeatherResult<T>> answer;
     start([&](const WeatherResult<T>& r) {
@@ -32,21 +34,26 @@ template <typename T, typename Start> WeatherResult<T> answerOf(Start start) {
     return *answer;
 }
 
-WeatherResult<IPLocation> ipLocation() {
+WeatherResult<IPLocation> ipLocation()
+{
     return answerOf<IPLocation>([](auto cb) { WeatherMonitor::shared().fetchIPLocation(nullptr, cb); });
 }
 
-WeatherResult<std::optional<WeatherSettings>> search(const QString& name) {
+WeatherResult<std::optional<WeatherSettings>> search(const QString& name)
+{
     return answerOf<std::optional<WeatherSettings>>(
         [&](auto cb) { WeatherMonitor::shared().searchCityCoordinates(name, nullptr, cb); });
 }
 
-WeatherResult<WeatherResponse> forecast(double lat, double lon) {
+WeatherResult<WeatherResponse> forecast(double lat, double lon)
+{
     return answerOf<WeatherResponse>(
         [&](auto cb) { WeatherMonitor::shared().fetchWeather(lat, lon, nullptr, cb); });
 }
 
-template <typename T> std::optional<WeatherError::Kind> errorKind(const WeatherResult<T>& r) {
+template <typename T>
+std::optional<WeatherError::Kind> errorKind(const WeatherResult<T>& r)
+{
     if (const auto* e = std::get_if<WeatherError>(&r))
         return e->kind;
     return std::nullopt;
@@ -57,8 +64,9 @@ const QByteArray forecastTail =
     "&daily=weathercode,temperature_2m_max,temperature_2m_min&timezone=auto&forecast_days=5 HTTP/1.1";
 
 class WeatherMonitorTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
+protected:
+    void SetUp() override
+    {
         ASSERT_TRUE(server.listen());
         pointWeatherServicesAt(server.baseUrl());
         server.setJson("/json/", samples::ipMilan);
@@ -72,7 +80,8 @@ class WeatherMonitorTest : public ::testing::Test {
 
 } // namespace
 
-TEST(WeatherMonitorQuery, NamesArePercentEncodedForAQuery) {
+TEST(WeatherMonitorQuery, NamesArePercentEncodedForAQuery)
+{
     const std::pair<QString, QByteArray> cases[] = {
         {"Milano", "Milano"},
         {"Reggio Emilia", "Reggio%20Emilia"},
@@ -90,7 +99,8 @@ TEST(WeatherMonitorQuery, NamesArePercentEncodedForAQuery) {
     EXPECT_FALSE(WeatherMonitor::encodeQueryValue(QString(QChar(0xD800)) + "x")); // lone surrogate
 }
 
-TEST(WeatherMonitorQuery, CoordinatesAreShortestDecimalsWithAFraction) {
+TEST(WeatherMonitorQuery, CoordinatesAreShortestDecimalsWithAFraction)
+{
     const std::pair<double, QByteArray> cases[] = {
         {45, "45.0"},        {9.19, "9.19"},       {-0.5, "-0.5"},         {0, "0.0"},
         {-0.0, "-0.0"},      {45.4643, "45.4643"}, {-180, "-180.0"},       {0.1 + 0.2, "0.30000000000000004"},
@@ -100,7 +110,8 @@ TEST(WeatherMonitorQuery, CoordinatesAreShortestDecimalsWithAFraction) {
         EXPECT_EQ(WeatherMonitor::coordinateText(value), text) << value;
 }
 
-TEST(WeatherMonitorQuery, BaseUrlsComeFromTheSettingsOrThePublicHosts) {
+TEST(WeatherMonitorQuery, BaseUrlsComeFromTheSettingsOrThePublicHosts)
+{
     const std::pair<Service, QString> defaults[] = {
         {Service::IpApi, "http://ip-api.com"},
         {Service::Geocoding, "https://geocoding-api.open-meteo.com"},
@@ -115,7 +126,8 @@ TEST(WeatherMonitorQuery, BaseUrlsComeFromTheSettingsOrThePublicHosts) {
     pointWeatherServicesAt("");
 }
 
-TEST(WeatherMonitorQuery, UnusableBasesGiveNoUrl) {
+TEST(WeatherMonitorQuery, UnusableBasesGiveNoUrl)
+{
     EXPECT_TRUE(WeatherMonitor::buildUrl("http://127.0.0.1:8/", "/json/", "a=b"));
     EXPECT_TRUE(WeatherMonitor::buildUrl("http://127.0.0.1:8/proxy", "/json/", "a=b"));
     for (const char* base :
@@ -123,7 +135,8 @@ TEST(WeatherMonitorQuery, UnusableBasesGiveNoUrl) {
         EXPECT_FALSE(WeatherMonitor::buildUrl(base, "/json/", "a=b")) << base;
 }
 
-TEST_F(WeatherMonitorTest, RequestLinesAreExact) {
+TEST_F(WeatherMonitorTest, RequestLinesAreExact)
+{
     struct Case {
         const char* what;
         std::function<void()> call;
@@ -149,7 +162,8 @@ TEST_F(WeatherMonitorTest, RequestLinesAreExact) {
     }
 }
 
-TEST_F(WeatherMonitorTest, RepliesDecodeIntoRecords) {
+TEST_F(WeatherMonitorTest, RepliesDecodeIntoRecords)
+{
     const auto ip = ipLocation();
     ASSERT_TRUE(std::holds_alternative<IPLocation>(ip));
     EXPECT_EQ(std::get<IPLocation>(ip), (IPLocation{45.4643, 9.1895, "Milan", "Italy"}));
@@ -165,7 +179,8 @@ TEST_F(WeatherMonitorTest, RepliesDecodeIntoRecords) {
               std::get<WeatherResponse>(WeatherResponse::decode(samples::forecastMilan)));
 }
 
-TEST_F(WeatherMonitorTest, SearchWithoutMatchesIsNoError) {
+TEST_F(WeatherMonitorTest, SearchWithoutMatchesIsNoError)
+{
     for (const QByteArray& body : {samples::geoNone, samples::geoEmpty}) {
         server.setJson("/v1/search", body);
         const auto r = search("Atlantide");
@@ -176,7 +191,8 @@ TEST_F(WeatherMonitorTest, SearchWithoutMatchesIsNoError) {
     EXPECT_EQ(errorKind(search("Atlantis")), WeatherError::Kind::Decoding);
 }
 
-TEST_F(WeatherMonitorTest, TheStatusIsNeverLookedAt) {
+TEST_F(WeatherMonitorTest, TheStatusIsNeverLookedAt)
+{
     // A failing status with the fields is a success; a success status without them is an error.
     server.setJson("/json/", samples::ipMilan, 500);
     EXPECT_TRUE(std::holds_alternative<IPLocation>(ipLocation()));
@@ -195,7 +211,8 @@ TEST_F(WeatherMonitorTest, TheStatusIsNeverLookedAt) {
     EXPECT_EQ(errorKind(forecast(1, 2)), WeatherError::Kind::Decoding);
 }
 
-TEST_F(WeatherMonitorTest, TransportFailuresArriveAsErrors) {
+TEST_F(WeatherMonitorTest, TransportFailuresArriveAsErrors)
+{
     // A port nobody listens on.
     QTcpServer closed;
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
@@ -216,7 +233,8 @@ TEST_F(WeatherMonitorTest, TransportFailuresArriveAsErrors) {
     EXPECT_EQ(server.requestLines().size(), 1);
 }
 
-TEST_F(WeatherMonitorTest, BadUrlsFailWithoutARequest) {
+TEST_F(WeatherMonitorTest, BadUrlsFailWithoutARequest)
+{
     pointWeatherServicesAt("http://");
     EXPECT_EQ(errorKind(ipLocation()), WeatherError::Kind::BadUrl);
     pointWeatherServicesAt(server.baseUrl());
@@ -224,7 +242,8 @@ TEST_F(WeatherMonitorTest, BadUrlsFailWithoutARequest) {
     EXPECT_TRUE(server.requestLines().isEmpty());
 }
 
-TEST_F(WeatherMonitorTest, OverridesAreReadAtEachRequest) {
+TEST_F(WeatherMonitorTest, OverridesAreReadAtEachRequest)
+{
     ReplayServer other;
     ASSERT_TRUE(other.listen());
     other.setJson("/json/", R"({"lat":41.9,"lon":12.5,"city":"Rome","country":"Italy"})");
@@ -237,7 +256,8 @@ TEST_F(WeatherMonitorTest, OverridesAreReadAtEachRequest) {
     EXPECT_EQ(other.requestLines().size(), 1);
 }
 
-TEST_F(WeatherMonitorTest, AGoneContextDropsTheAnswer) {
+TEST_F(WeatherMonitorTest, AGoneContextDropsTheAnswer)
+{
     auto* context = new QObject;
     bool called = false;
     WeatherMonitor::shared().fetchIPLocation(context,
@@ -250,7 +270,8 @@ TEST_F(WeatherMonitorTest, AGoneContextDropsTheAnswer) {
     EXPECT_FALSE(called);
 }
 
-TEST_F(WeatherMonitorTest, CallsOverlapAndEachAnswersOnce) {
+TEST_F(WeatherMonitorTest, CallsOverlapAndEachAnswersOnce)
+{
     int answers = 0;
     for (int i = 0; i < 5; ++i)
         WeatherMonitor::shared().fetchWeather(i, i, nullptr, [&](const WeatherResult<WeatherResponse>& r) {

@@ -5,11 +5,15 @@
 
 namespace {
 
-template <typename T> bool decodes(const WeatherResult<T>& r) {
+template <typename T>
+bool decodes(const WeatherResult<T>& r)
+{
     return std::holds_alternative<T>(r);
 }
 
-template <typename T> bool failsDecoding(const WeatherResult<T>& r) {
+template <typename T>
+bool failsDecoding(const WeatherResult<T>& r)
+{
     const auto* err = std::get_if<WeatherError>(&r);
     return err && err->kind == WeatherError::Kind::Decoding;
 }
@@ -22,13 +26,15 @@ struct Case {
 
 } // namespace
 
-TEST(WeatherReplies, IPLocationFromTheServiceShape) {
+TEST(WeatherReplies, IPLocationFromTheServiceShape)
+{
     const auto r = IPLocation::decode(samples::ipMilan);
     ASSERT_TRUE(decodes(r));
     EXPECT_EQ(std::get<IPLocation>(r), (IPLocation{45.4643, 9.1895, "Milan", "Italy"}));
 }
 
-TEST(WeatherReplies, IPLocationRequiresEveryField) {
+TEST(WeatherReplies, IPLocationRequiresEveryField)
+{
     const Case cases[] = {
         {"whole numbers for coordinates", R"({"lat":45,"lon":9,"city":"Milan","country":"Italy","isp":"x"})",
          true},
@@ -48,7 +54,8 @@ TEST(WeatherReplies, IPLocationRequiresEveryField) {
     }
 }
 
-TEST(WeatherReplies, GeocodingResultsAndTheirAbsence) {
+TEST(WeatherReplies, GeocodingResultsAndTheirAbsence)
+{
     struct GeoCase {
         const char* what;
         QByteArray body;
@@ -84,7 +91,8 @@ TEST(WeatherReplies, GeocodingResultsAndTheirAbsence) {
     EXPECT_EQ(milano.results->first(), (GeocodingResponse::Result{"Milano", 45.46427, 9.18951, "Italia"}));
 }
 
-TEST(WeatherReplies, ForecastFromTheServiceShape) {
+TEST(WeatherReplies, ForecastFromTheServiceShape)
+{
     const auto r = WeatherResponse::decode(samples::forecastMilan);
     ASSERT_TRUE(decodes(r));
     const auto& w = std::get<WeatherResponse>(r);
@@ -97,7 +105,8 @@ TEST(WeatherReplies, ForecastFromTheServiceShape) {
     EXPECT_EQ(w.daily->temperature_2m_min, (QList<double>{15.2, 14.1, 13.6, -0.4, 17.4}));
 }
 
-TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent) {
+TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent)
+{
     const auto r = WeatherResponse::decode(samples::forecastNoDaily);
     ASSERT_TRUE(decodes(r));
     const auto& w = std::get<WeatherResponse>(r);
@@ -105,7 +114,8 @@ TEST(WeatherReplies, ForecastOptionalsAndDailyMayBeAbsent) {
     EXPECT_EQ(w.current, (WeatherResponse::CurrentWeather{-3.5, 0, std::nullopt, -7.0, std::nullopt}));
 }
 
-TEST(WeatherReplies, ForecastStrictness) {
+TEST(WeatherReplies, ForecastStrictness)
+{
     const QByteArray daily = R"("daily":{"time":["2024-06-03","2024-06-04"],"weathercode":[1,2],
         "temperature_2m_max":[20,21],"temperature_2m_min":[10,11]})";
     const Case cases[] = {

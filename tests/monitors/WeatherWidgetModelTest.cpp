@@ -11,11 +11,10 @@
 
 namespace {
 
-SettingsManager& settings() {
-    return SettingsManager::shared();
-}
+SettingsManager& settings() { return SettingsManager::shared(); }
 
-QByteArray sharedFile() {
+QByteArray sharedFile()
+{
     QFile f(SettingsManager::sharedDataFilePath());
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
@@ -24,7 +23,8 @@ QByteArray sharedFile() {
 struct Recorder {
     QStringList events;
 
-    explicit Recorder(WeatherWidgetModel& m) {
+    explicit Recorder(WeatherWidgetModel& m)
+    {
         auto add = [this](const QString& e) { events << e; };
         QObject::connect(&m, &WeatherWidgetModel::loadingChanged,
                          [&m, add] { add(QString("loading=%1").arg(m.loading())); });
@@ -38,7 +38,8 @@ struct Recorder {
     }
     qsizetype count(const QString& e) const { return events.count(e); }
     // Waits until `n` loads have ended, one way or the other.
-    bool waitForEnds(qsizetype n) const {
+    bool waitForEnds(qsizetype n) const
+    {
         return QTest::qWaitFor([&] { return count("loading=0") >= n; }, 10000);
     }
 };
@@ -47,15 +48,17 @@ const QStringList firstSuccess = {"loading=1", "error=0",   "city=Milan",
                                   "data",      "loading=0", "glow=#99ffc832"};
 
 class WeatherWidgetModelTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
+protected:
+    void SetUp() override
+    {
         ASSERT_TRUE(server.listen());
         pointWeatherServicesAt(server.baseUrl());
         reset();
     }
     void TearDown() override { pointWeatherServicesAt(""); }
 
-    void reset() {
+    void reset()
+    {
         server.setJson("/json/", samples::ipMilan);
         server.setJson("/v1/forecast", samples::forecastMilan);
         settings().saveWeatherSettings(WeatherSettings{});
@@ -68,7 +71,8 @@ class WeatherWidgetModelTest : public ::testing::Test {
 
 } // namespace
 
-TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown) {
+TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown)
+{
     WeatherWidgetModel model;
     EXPECT_TRUE(model.loading());
     EXPECT_FALSE(model.connectionError());
@@ -80,7 +84,8 @@ TEST_F(WeatherWidgetModelTest, StartsLoadingWithNothingShown) {
     EXPECT_TRUE(server.requestLines().isEmpty()); // nothing before it is on screen
 }
 
-TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather) {
+TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather)
+{
     WeatherWidgetModel model;
     Recorder rec(model);
     model.setActive(true);
@@ -112,7 +117,8 @@ TEST_F(WeatherWidgetModelTest, FirstLoadFindsThePlaceByIpAndSharesTheWeather) {
     EXPECT_EQ(file.value("weather").toObject(), expected.toJsonObject());
 }
 
-TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordinates) {
+TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordinates)
+{
     struct Case {
         WeatherSettings stored;
         QString city;
@@ -147,7 +153,8 @@ TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordi
     }
 }
 
-TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown) {
+TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown)
+{
     WeatherWidgetModel model;
     Recorder rec(model);
     model.setActive(true);
@@ -184,7 +191,8 @@ TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown) {
     EXPECT_EQ(settings().sharedData().weather, (WeatherData{"Milan", -3.5, 0, -7.0}));
 }
 
-TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError) {
+TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError)
+{
     struct Case {
         const char* what;
         std::function<void()> breakServer;
@@ -216,7 +224,8 @@ TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError) {
     monitor.setTransferTimeout(normalTimeout);
 }
 
-TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads) {
+TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads)
+{
     settings().saveWeatherSettings({true, "Roma, Italia", 41.9, 12.5});
     WeatherWidgetModel model;
     Recorder rec(model);
@@ -255,7 +264,8 @@ TEST_F(WeatherWidgetModelTest, OnlyACityTextOrChoiceChangeReloads) {
     EXPECT_EQ(model.cityName(), "Torino");
 }
 
-TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive) {
+TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive)
+{
     WeatherWidgetModel model;
     Recorder rec(model);
     EXPECT_FALSE(model.refreshScheduled());
@@ -268,7 +278,8 @@ TEST_F(WeatherWidgetModelTest, ThePeriodicReloadRunsOnlyWhileActive) {
     EXPECT_EQ(WeatherWidgetModel::refreshIntervalMs, 900000);
 }
 
-TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState) {
+TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState)
+{
     auto& monitor = WeatherMonitor::shared();
     const int normalTimeout = monitor.transferTimeout();
     monitor.setTransferTimeout(500);
@@ -290,7 +301,8 @@ TEST_F(WeatherWidgetModelTest, TheLastLoadToFinishSetsTheState) {
     monitor.setTransferTimeout(normalTimeout);
 }
 
-TEST_F(WeatherWidgetModelTest, AClosedWidgetIgnoresLateReplies) {
+TEST_F(WeatherWidgetModelTest, AClosedWidgetIgnoresLateReplies)
+{
     auto model = std::make_unique<WeatherWidgetModel>();
     QSignalSpy requests(&server, &ReplayServer::requestReceived);
     model->setActive(true);

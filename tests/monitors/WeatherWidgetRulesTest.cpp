@@ -16,7 +16,8 @@ const QString storm = QString::fromUtf8("\u26C8\uFE0F");
 const QString thermometer = QString::fromUtf8("\U0001F321\uFE0F");
 const QString dash = QString::fromUtf8("\u2014");
 
-WeatherResponse::DailyForecast week() {
+WeatherResponse::DailyForecast week()
+{
     return {{"2024-06-03", "2024-06-04", "2024-06-05", "2024-06-06", "2024-06-07"},
             {2, 61, 3, 0, 95},
             {24.4, 19.8, 22, 26.5, 27.9},
@@ -25,7 +26,8 @@ WeatherResponse::DailyForecast week() {
 
 } // namespace
 
-TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription) {
+TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription)
+{
     struct Case {
         qint64 code;
         QString emoji;
@@ -61,7 +63,8 @@ TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription) {
     }
 }
 
-TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable) {
+TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable)
+{
     struct Case {
         qint64 code;
         int r, g, b;
@@ -82,7 +85,8 @@ TEST(WeatherWidgetRules, GlowFollowsTheCoarserTable) {
     }
 }
 
-TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees) {
+TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees)
+{
     const double inf = std::numeric_limits<double>::infinity();
     const std::pair<double, const char*> cases[] = {
         {21.5, "22°"},
@@ -106,7 +110,8 @@ TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees) {
         EXPECT_EQ(WeatherWidgetModel::formatTemperature(value), QString::fromUtf8(text)) << value;
 }
 
-TEST(WeatherWidgetRules, ShortDayNamesAreItalian) {
+TEST(WeatherWidgetRules, ShortDayNamesAreItalian)
+{
     const std::pair<const char*, const char*> cases[] = {
         {"2024-06-03", "Lun"}, {"2024-06-04", "Mar"}, {"2024-06-05", "Mer"},
         {"2024-06-06", "Gio"}, {"2024-06-07", "Ven"}, {"2024-06-08", "Sab"},
@@ -118,7 +123,8 @@ TEST(WeatherWidgetRules, ShortDayNamesAreItalian) {
         EXPECT_EQ(WeatherWidgetModel::shortDayName(date), QString::fromUtf8(name)) << date;
 }
 
-TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin) {
+TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin)
+{
     EXPECT_EQ(WeatherWidgetModel::highLowLine(week()), QString::fromUtf8("H:24° L:15°"));
     auto noMax = week();
     noMax.temperature_2m_max.clear();
@@ -132,7 +138,8 @@ TEST(WeatherWidgetRules, HighLowLineNeedsTodaysMaxAndMin) {
     EXPECT_EQ(WeatherWidgetModel::highLowLine(onlyTemperatures), QString::fromUtf8("H:24° L:15°"));
 }
 
-TEST(WeatherWidgetRules, ForecastRowsForDaysOneToFourThatAllArraysHave) {
+TEST(WeatherWidgetRules, ForecastRowsForDaysOneToFourThatAllArraysHave)
+{
     using Row = WeatherWidgetModel::ForecastRow;
     const auto rows = WeatherWidgetModel::forecastRowsFor(week());
     EXPECT_EQ(rows, (QList<Row>{{"Mar", rain, "20°", "14°"},

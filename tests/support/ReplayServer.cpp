@@ -10,7 +10,8 @@
 
 namespace {
 
-QByteArray reasonPhrase(int status) {
+QByteArray reasonPhrase(int status)
+{
     switch (status) {
     case 200:
         return "OK";
@@ -29,14 +30,16 @@ QByteArray reasonPhrase(int status) {
     }
 }
 
-QByteArray response(const ReplayServer::Reply& r) {
+QByteArray response(const ReplayServer::Reply& r)
+{
     return "HTTP/1.1 " + QByteArray::number(r.status) + ' ' + reasonPhrase(r.status) +
            "\r\nContent-Type: " + r.contentType + "\r\nContent-Length: " + QByteArray::number(r.body.size()) +
            "\r\nConnection: close\r\n\r\n" + r.body;
 }
 
 // The path of a request target, without its query.
-QString targetPath(const QByteArray& requestLine) {
+QString targetPath(const QByteArray& requestLine)
+{
     const auto parts = requestLine.split(' ');
     if (parts.size() < 2)
         return {};
@@ -47,35 +50,25 @@ QString targetPath(const QByteArray& requestLine) {
 
 } // namespace
 
-ReplayServer::ReplayServer(QObject* parent) : QObject(parent), m_server(new QTcpServer(this)) {
+ReplayServer::ReplayServer(QObject* parent) : QObject(parent), m_server(new QTcpServer(this))
+{
     connect(m_server, &QTcpServer::newConnection, this, &ReplayServer::onNewConnection);
 }
 
-bool ReplayServer::listen(quint16 port) {
-    return m_server->listen(QHostAddress::LocalHost, port);
-}
+bool ReplayServer::listen(quint16 port) { return m_server->listen(QHostAddress::LocalHost, port); }
 
-quint16 ReplayServer::port() const {
-    return m_server->serverPort();
-}
+quint16 ReplayServer::port() const { return m_server->serverPort(); }
 
-QString ReplayServer::baseUrl() const {
-    return QString("http://127.0.0.1:%1").arg(port());
-}
+QString ReplayServer::baseUrl() const { return QString("http://127.0.0.1:%1").arg(port()); }
 
-void ReplayServer::setReply(const QString& path, const Reply& reply) {
-    m_replies.insert(path, reply);
-}
+void ReplayServer::setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
 
-void ReplayServer::clearReplies() {
-    m_replies.clear();
-}
+void ReplayServer::clearReplies() { m_replies.clear(); }
 
-void ReplayServer::serveDirectory(const QString& directory) {
-    m_directory = directory;
-}
+void ReplayServer::serveDirectory(const QString& directory) { m_directory = directory; }
 
-std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(const QString& directory) {
+std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(const QString& directory)
+{
     QFile manifest(QDir(directory).filePath("replies.json"));
     if (!manifest.open(QIODevice::ReadOnly))
         return std::nullopt;
@@ -103,7 +96,8 @@ std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(co
     return replies;
 }
 
-std::optional<ReplayServer::Reply> ReplayServer::replyFor(const QString& path) const {
+std::optional<ReplayServer::Reply> ReplayServer::replyFor(const QString& path) const
+{
     if (m_directory.isEmpty())
         return m_replies.contains(path) ? std::optional(m_replies.value(path)) : std::nullopt;
     const auto replies = readDirectory(m_directory);
@@ -112,7 +106,8 @@ std::optional<ReplayServer::Reply> ReplayServer::replyFor(const QString& path) c
     return replies->value(path);
 }
 
-void ReplayServer::onNewConnection() {
+void ReplayServer::onNewConnection()
+{
     while (QTcpSocket* socket = m_server->nextPendingConnection()) {
         socket->setParent(this);
         m_pending.insert(socket, {});
@@ -124,7 +119,8 @@ void ReplayServer::onNewConnection() {
     }
 }
 
-void ReplayServer::onReadyRead(QTcpSocket* socket) {
+void ReplayServer::onReadyRead(QTcpSocket* socket)
+{
     if (!m_pending.contains(socket)) {
         socket->readAll(); // already answered (or hanging): anything more is ignored
         return;

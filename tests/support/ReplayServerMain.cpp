@@ -9,7 +9,8 @@
 #include <QSaveFile>
 #include <cstdio>
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv)
+{
     QCoreApplication app(argc, argv);
     const auto args = app.arguments();
     if (args.size() != 4) {
