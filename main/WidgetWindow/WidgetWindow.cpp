@@ -56,13 +56,14 @@ void WidgetWindow::orderFront()
 
 void WidgetWindow::mousePressEvent(QMouseEvent* event)
 {
+    // Controls in the view (the music transport buttons) take their presses first; a press that
+    // no item grabs moves the window, carried out by the window manager.
     QQuickWindow::mousePressEvent(event);
-    if (event->isAccepted() || m_ignoresMouseEvents || !m_movableByWindowBackground)
+    const bool taken = event->points().size() == 1 && event->exclusiveGrabber(event->points().first());
+    if (taken || m_ignoresMouseEvents || !m_movableByWindowBackground || event->button() != Qt::LeftButton)
         return;
-    if (event->button() == Qt::LeftButton) {
-        event->accept();
-        startSystemMove();
-    }
+    event->accept();
+    startSystemMove();
 }
 
 void WidgetWindow::moveEvent(QMoveEvent* event)

@@ -1,0 +1,162 @@
+// The registry driven in-process on the test display; X state read back with X tools.
+#include "AppDelegate.h"
+#include "Screen.h"
+#include "SettingsManager.h"
+#include "WidgetHostingView.h"
+#include "WidgetWindow.h"
+#include "XSession.h"
+
+#include <QMouseEvent>
+#include <QProcess>
+#include <QRasterWindow>
+#include <QRegularExpression>
+#include <QTest>
+#include <QQuickWindow>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString tool(const QString& program, const QStringList& args)
+{
+    QProcess p;
+    p.start(program, args);
+    p.waitForFinished(10000);
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// The window's origin in app coordinates as the X server has it.
+std::optional<Position> xOrigin(QWindow* w)
+{
+    const QString out = tool("xwininfo", {"-id", QString::number(w->winId())});
+    const QRegularExpression rx(R"(Absolute upper-left X:\s+(-?\d+)[\s\S]*Absolute upper-left Y:\s+(-?\d+)[\s\S]*Height:\s+(\d+))");
+    const auto m = rx.match(out);
+    if (!m.hasMatch())
+        return std::nullopt;
+    return Position{m.captured(1).toDouble(), screen::primaryHeight() - (m.captured(2).toDouble() + m.captured(3).toDouble())};
+}
+
+class Registry : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (qEnvironmentVariableIsEmpty("DISPLAY"))
+            GTEST_SKIP() << "needs an X display";
+        auto& s = SettingsManager::shared();
+        for (const QString name : {"clock", "weather", "battery", "music"}) {
+            s.setPosition(std::nullopt, name);
+            s.saveSetting(false, "widget." + name + ".clickThrough");
+        }
+        s.loadSettings();
+    }
+    SettingsManager& settings() { return SettingsManager::shared(); }
+    AppDelegate app;
+};
+
+} // namespace
+
+TEST_F(Registry, ToggleTwiceMakesOneWindowAndOffRemovesIt)
+{
+    app.toggleWidget("clock", true);
+    WidgetWindow* first = app.widgetWindows().value("clock");
+    ASSERT_TRUE(first);
+    app.toggleWidget("clock", true);
+    EXPECT_EQ(app.widgetWindows().size(), 1);
+    EXPECT_EQ(app.widgetWindows().value("clock"), first);
+    settings().loadSettings();
+    EXPECT_TRUE(settings().clockEnabled());
+    app.toggleWidget("clock", false);
+    EXPECT_TRUE(app.widgetWindows().isEmpty());
+    settings().loadSettings();
+    EXPECT_FALSE(settings().clockEnabled());
+    // An unknown name stores its key and opens nothing.
+    app.toggleWidget("calendar", true);
+    EXPECT_TRUE(app.widgetWindows().isEmpty());
+}
+
+TEST_F(Registry, ResizeKeepsRightAndBottomEdgesAndStoresTheOrigin)
+{
+    settings().setPosition(Position{500, 300}, "weather");
+    app.toggleWidget("weather", true);
+    WidgetWindow* w = app.widgetWindows().value("weather");
+    ASSERT_TRUE(w);
+    ASSERT_TRUE(XSession::waitFor([&] { return xOrigin(w) == Position{500, 300}; }));
+    app.resizeWidget("weather", "medium");
+    EXPECT_EQ(w->frame(), (Rect{330, 300, 340, 170}));
+    EXPECT_EQ(w->contentView()->frame(), (Rect{0, 0, 340, 170}));
+    EXPECT_EQ(settings().weatherPosition(), (Position{330, 300}));
+    // Settled: the stored origin is the real one, read from outside.
+    EXPECT_TRUE(XSession::waitFor([&] { return xOrigin(w) == settings().weatherPosition(); }));
+    app.resizeWidget("weather", "small");
+    EXPECT_EQ(w->frame(), (Rect{500, 300, 170, 170}));
+    EXPECT_TRUE(XSession::waitFor([&] { return xOrigin(w) == Position{500, 300}; }));
+    EXPECT_EQ(settings().weatherPosition(), (Position{500, 300}));
+    // Nothing is stored for a widget that is not live.
+    app.resizeWidget("battery", "medium");
+    EXPECT_FALSE(settings().batteryPosition());
+    app.toggleWidget("weather", false);
+}
+
+TEST_F(Registry, MoveToTheSamePlaceStoresWithoutAFrameChange)
+{
+    settings().setPosition(Position{600, 400}, "clock");
+    app.toggleWidget("clock", true);
+    WidgetWindow* w = app.widgetWindows().value("clock");
+    ASSERT_TRUE(XSession::waitFor([&] { return xOrigin(w) == Position{600, 400}; }));
+    settings().setPosition(std::nullopt, "clock");
+    int moves = 0;
+    QObject::connect(w, &QWindow::xChanged, [&] { ++moves; });
+    app.windowDidMove(w);
+    EXPECT_EQ(settings().clockPosition(), (Position{600, 400}));
+    EXPECT_EQ(moves, 0);
+    // A sender that is not a live widget window changes nothing.
+    settings().setPosition(std::nullopt, "clock");
+    QQuickWindow stranger;
+    app.windowDidMove(&stranger);
+    app.windowDidMove(nullptr);
+    EXPECT_FALSE(settings().clockPosition());
+    app.toggleWidget("clock", false);
+}
+
+TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelow)
+{
+    // An ordinary window under the widget counts the presses it gets.
+    struct Below : QRasterWindow {
+        int presses = 0;
+        void mousePressEvent(QMouseEvent*) override { ++presses; }
+    } below;
+    // It shares the widgets' layer under ordinary windows and is mapped first, so the widget
+    // stands above it.
+    below.setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint);
+    below.setGeometry(QRect(200, 200, 400, 400));
+    below.show();
+    ASSERT_TRUE(XSession::waitFor([&] { return below.isExposed(); }));
+
+    settings().setPosition(Position{300, 900 - 300 - 170}, "battery"); // X top-left at (300, 300)
+    app.toggleWidget("battery", true);
+    WidgetWindow* w = app.widgetWindows().value("battery");
+    ASSERT_TRUE(w);
+    ASSERT_TRUE(XSession::waitFor([&] { return w->isExposed() && xOrigin(w) == Position{300, 430}; }));
+    const auto click = [] { tool("xdotool", {"mousemove", "385", "385", "click", "1"}); };
+
+    click();
+    QTest::qWait(300);
+    const int withoutClickThrough = below.presses;
+    app.updateClickThrough("battery", true);
+    EXPECT_TRUE(w->ignoresMouseEvents());
+    EXPECT_FALSE(w->isMovableByWindowBackground());
+    QTest::qWait(200);
+    click();
+    EXPECT_TRUE(XSession::waitFor([&] { return below.presses == withoutClickThrough + 1; }, 3000));
+    EXPECT_EQ(withoutClickThrough, 0);
+    settings().loadSettings();
+    EXPECT_TRUE(settings().batteryClickThrough());
+
+    // Off and on again, the widget comes back click-through.
+    app.toggleWidget("battery", false);
+    app.toggleWidget("battery", true);
+    EXPECT_TRUE(app.widgetWindows().value("battery")->ignoresMouseEvents());
+    EXPECT_TRUE(app.widgetWindows().value("battery")->flags() & Qt::WindowTransparentForInput);
+    app.updateClickThrough("battery", false);
+    EXPECT_FALSE(app.widgetWindows().value("battery")->flags() & Qt::WindowTransparentForInput);
+    app.toggleWidget("battery", false);
+}
