@@ -58,8 +58,9 @@ WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode
 
 WeatherMonitor& WeatherMonitor::shared()
 {
-    static WeatherMonitor instance;
-    return instance;
+    // Never destroyed: its network objects must not outlive the application object at exit.
+    static auto* instance = new WeatherMonitor;
+    return *instance;
 }
 
 const char* WeatherMonitor::configKey(Service service) { return endpoint(service).configKey; }
