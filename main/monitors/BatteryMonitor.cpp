@@ -1,0 +1,176 @@
+#include "BatteryMonitor.h"
+
+#include "ChildProcess.h"
+
+#include <QRegularExpression>
+#include <array>
+
+namespace {
+
+// \d and \s as Unicode reads them; a number in other digits then fails the conversion below.
+constexpr auto reOptions = QRegularExpression::UseUnicodePropertiesOption;
+
+const QRegularExpression& percentPattern()
+{
+    static const QRegularExpression re(QStringLiteral(R"((\d+)%)"), reOptions);
+    return re;
+}
+
+const QRegularExpression& batteryPercentPattern()
+{
+    static const QRegularExpression re(QStringLiteral(R"("?BatteryPercent"?\s*=\s*(\d+))"), reOptions);
+    return re;
+}
+
+const QRegularExpression& headerPattern()
+{
+    static const QRegularExpression re(QStringLiteral(R"(\+-o\s+([^<]+?)\s+<class)"), reOptions);
+    return re;
+}
+
+// Unanchored, with an optional leading quote: "Product" also matches "DeviceProduct" and "Name"
+// any key ending in Name; the first match in the block wins.
+QRegularExpression namePattern(const QString& key)
+{
+    return QRegularExpression(R"("?)" + QRegularExpression::escape(key) + R"re("?\s*=\s*"([^"]+)")re", reOptions);
+}
+
+const std::array<QRegularExpression, 3>& namePatterns()
+{
+    static const std::array<QRegularExpression, 3> res = {namePattern("Product"), namePattern("DeviceProduct"),
+                                                          namePattern("Name")};
+    return res;
+}
+
+// Group 1 of the first match as a signed 64-bit number: ASCII digits that fit, or nothing.
+std::optional<qint64> firstNumber(const QRegularExpression& re, const QString& text)
+{
+    const auto match = re.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QStringView digits = match.capturedView(1);
+    for (const QChar c : digits) {
+        if (c < QLatin1Char('0') || c > QLatin1Char('9'))
+            return std::nullopt;
+    }
+    bool ok = false;
+    const qint64 value = digits.toLongLong(&ok);
+    return ok ? std::optional(value) : std::nullopt;
+}
+
+QString firstLine(const QString& block)
+{
+    static const QRegularExpression lineBreak(QStringLiteral("[\\n\\v\\f\\r\\x{85}\\x{2028}\\x{2029}]"));
+    const qsizetype end = block.indexOf(lineBreak);
+    return end < 0 ? block : block.left(end);
+}
+
+bool isServiceClassName(const QString& name)
+{
+    return name == QLatin1String("AppleDeviceManagementHIDEventService") ||
+           name == QLatin1String("AppleBluetoothHIDDevice") || name == QLatin1String("AppleDeviceBluetoothHIDDriver");
+}
+
+std::optional<BatteryDevice> parseBlock(const QString& block, bool hasMarker)
+{
+    QString name;
+    for (const QRegularExpression& re : namePatterns()) {
+        const auto match = re.match(block);
+        if (match.hasMatch()) {
+            name = match.captured(1);
+            break;
+        }
+    }
+    const qint64 percent = firstNumber(batteryPercentPattern(), block).value_or(100);
+    if (name.isEmpty() && hasMarker) {
+        const auto match = headerPattern().match(QLatin1String("+-o") + firstLine(block));
+        if (match.hasMatch())
+            name = match.captured(1).trimmed();
+    }
+    if (isServiceClassName(name) || name.isEmpty())
+        return std::nullopt;
+    const QString id = QString(name).replace(' ', '-').toLower();
+    return BatteryDevice{id, name, percent, false, BatteryMonitor::deviceType(name)};
+}
+
+} // namespace
+
+BatteryMonitor::BatteryMonitor() : m_source(std::make_unique<SystemBatteryTexts>()) {}
+
+BatteryMonitor& BatteryMonitor::shared()
+{
+    static BatteryMonitor instance;
+    return instance;
+}
+
+void BatteryMonitor::setTextSource(std::unique_ptr<BatteryTextSource> source)
+{
+    m_source = source ? std::move(source) : std::make_unique<SystemBatteryTexts>();
+}
+
+QString BatteryMonitor::shell(const QString& command)
+{
+    const auto out = childprocess::run("/bin/zsh", {"-c", command}, childprocess::Channels::Merged);
+    const auto text = out ? childprocess::decodeUtf8(*out) : std::nullopt;
+    return text.value_or(QString());
+}
+
+QList<BatteryDevice> BatteryMonitor::getBatteryDevices()
+{
+    const QString pmset = m_source->pmsetText();
+    return parseBatteryDevices(pmset, m_source->ioregText());
+}
+
+QString BatteryMonitor::getComputerName()
+{
+    const QString name = m_source->computerName();
+    return name.isEmpty() ? QStringLiteral("MacBook") : name;
+}
+
+QList<BatteryDevice> BatteryMonitor::parseBatteryDevices(const QString& pmsetText, const QString& ioregText)
+{
+    return QList<BatteryDevice>{parseInternalBattery(pmsetText)} + parseAccessories(ioregText);
+}
+
+BatteryDevice BatteryMonitor::parseInternalBattery(const QString& pmsetText)
+{
+    const qint64 percent = firstNumber(percentPattern(), pmsetText).value_or(100);
+    // "discharging" contains "charging", hence the second half of the test.
+    const bool charging = pmsetText.contains(QLatin1String("drawing from 'AC Power'")) ||
+                          (pmsetText.contains(QLatin1String("charging")) &&
+                           !pmsetText.contains(QLatin1String("discharging")));
+    return BatteryDevice{"macbook", "MacBook", percent, charging, "macbook"};
+}
+
+QList<BatteryDevice> BatteryMonitor::parseAccessories(const QString& ioregText)
+{
+    QList<BatteryDevice> devices;
+    const QStringList blocks = ioregText.split(QLatin1String("+-o"));
+    for (qsizetype i = 0; i < blocks.size(); ++i) {
+        if (!blocks[i].contains(QLatin1String("BatteryPercent")))
+            continue;
+        // The piece ahead of the first marker had no marker, so it has no header line.
+        if (const auto device = parseBlock(blocks[i], i > 0))
+            devices.append(*device);
+    }
+    return devices;
+}
+
+QString BatteryMonitor::deviceType(const QString& name)
+{
+    const QString lower = name.toLower();
+    static const std::array<std::pair<const char*, const char*>, 7> table = {{
+        {"mouse", "mouse"},
+        {"keyboard", "keyboard"},
+        {"trackpad", "trackpad"},
+        {"pencil", "pencil"},
+        {"airpods", "airpods"},
+        {"headphone", "airpods"},
+        {"watch", "watch"},
+    }};
+    for (const auto& [word, type] : table) {
+        if (lower.contains(QLatin1String(word)))
+            return QString::fromLatin1(type);
+    }
+    return QStringLiteral("accessory");
+}

@@ -1,0 +1,40 @@
+#include "ChildProcess.h"
+
+#include <QProcess>
+#include <QStringDecoder>
+
+namespace childprocess {
+
+std::optional<QByteArray> run(const QString& program, const QStringList& args, Channels channels, int timeoutMs)
+{
+    QProcess process;
+    if (channels == Channels::Merged)
+        process.setProcessChannelMode(QProcess::MergedChannels);
+    else
+        process.setStandardErrorFile(QProcess::nullDevice());
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(program, args, QIODevice::ReadOnly);
+    if (!process.waitForStarted(-1))
+        return std::nullopt;
+    // QProcess keeps reading the pipe into its own buffer while it waits, so the child never
+    // blocks on a full pipe.
+    process.waitForFinished(timeoutMs);
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(-1);
+        return std::nullopt;
+    }
+    return process.readAll();
+}
+
+std::optional<QString> decodeUtf8(const QByteArray& bytes)
+{
+    QStringDecoder decoder(QStringConverter::Utf8,
+                           QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
+    QString text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+} // namespace childprocess
