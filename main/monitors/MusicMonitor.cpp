@@ -1,0 +1,68 @@
+#include "MusicMonitor.h"
+
+#include "MusicScripts.h"
+
+MusicMonitor& MusicMonitor::shared()
+{
+    static MusicMonitor instance(ScriptRunner::forThisMachine());
+    return instance;
+}
+
+MusicMonitor::MusicMonitor(std::unique_ptr<ScriptRunner> runner) : m_runner(std::move(runner)) {}
+
+std::unique_ptr<ScriptRunner> MusicMonitor::replaceRunner(std::unique_ptr<ScriptRunner> runner)
+{
+    std::swap(m_runner, runner);
+    return runner;
+}
+
+std::optional<QString> MusicMonitor::runAppleScript(const QString& text)
+{
+    return m_runner ? m_runner->run(text) : std::nullopt;
+}
+
+MusicData MusicMonitor::getNowPlaying()
+{
+    if (auto data = playingOn(musicscript::spotify))
+        return *data;
+    if (auto data = playingOn(musicscript::music))
+        return *data;
+    return MusicData{};
+}
+
+std::optional<MusicData> MusicMonitor::playingOn(const QString& app)
+{
+    const auto reply = runAppleScript(musicscript::nowPlaying(app));
+    if (!reply || reply->isEmpty())
+        return std::nullopt;
+    // Pieces stand as they fall: a title holding "|||" shifts the later fields, and nothing is trimmed.
+    const QStringList pieces = reply->split(QStringLiteral("|||"));
+    if (pieces.size() < 4)
+        return std::nullopt;
+    MusicData data;
+    data.track = pieces[0];
+    data.artist = pieces[1];
+    if (app == musicscript::spotify && !pieces[2].isEmpty())
+        data.artwork = pieces[2];
+    data.source = pieces[3];
+    data.playing = true;
+    return data;
+}
+
+bool MusicMonitor::isRunning(const QString& app)
+{
+    const auto reply = runAppleScript(musicscript::isRunning(app));
+    return reply && reply->trimmed() == QLatin1String("true");
+}
+
+void MusicMonitor::controlMusic(const QString& action)
+{
+    // Both questions are asked whatever the first answer; a running Spotify is the target even
+    // when paused and Music is the one playing.
+    const bool spotifyRunning = isRunning(musicscript::spotify);
+    const bool musicRunning = isRunning(musicscript::music);
+    if (!spotifyRunning && !musicRunning)
+        return;
+    if (const auto script = musicscript::control(action, spotifyRunning ? musicscript::spotify : musicscript::music))
+        runAppleScript(*script);
+}

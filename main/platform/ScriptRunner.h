@@ -1,0 +1,31 @@
+#pragma once
+// Runs AppleScript texts: the one operation the music monitor needs of the system. Where the
+// machine has osascript it does the work; elsewhere MPRIS players answer the same texts.
+#include <QString>
+#include <memory>
+#include <optional>
+
+class ScriptRunner {
+public:
+    virtual ~ScriptRunner() = default;
+
+    // The script's result as text; nothing where the script cannot be made or fails when run.
+    virtual std::optional<QString> run(const QString& script) = 0;
+
+    // osascript if the PATH has it, else the MPRIS stand-in on the session bus.
+    static std::unique_ptr<ScriptRunner> forThisMachine();
+};
+
+class OsascriptRunner : public ScriptRunner {
+public:
+    // A script that has not ended by then is killed and counts as failed, so a hung player
+    // cannot hold the GUI for ever.
+    static constexpr int defaultTimeoutMs = 10000;
+
+    explicit OsascriptRunner(QString program, int timeoutMs = defaultTimeoutMs);
+    std::optional<QString> run(const QString& script) override;
+
+private:
+    QString m_program;
+    int m_timeoutMs;
+};
