@@ -1,0 +1,102 @@
+#include "Symbol.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
+#include <QtMath>
+
+Symbol::Symbol(QQuickItem* parent) : QQuickPaintedItem(parent) {
+    setAntialiasing(true);
+    setImplicitSize(m_size, m_size);
+}
+
+void Symbol::setName(const QString& name) {
+    if (name != m_name) {
+        m_name = name;
+        invalidate();
+    }
+    emit nameChanged();
+}
+
+void Symbol::setColor(const QColor& color) {
+    if (color != m_color) {
+        m_color = color;
+        invalidate();
+    }
+    emit colorChanged();
+}
+
+void Symbol::setPointSize(qreal size) {
+    size = qMax<qreal>(0, size);
+    if (size != m_size) {
+        m_size = size;
+        setImplicitSize(size, size);
+        invalidate();
+    }
+    emit sizeChanged();
+}
+
+void Symbol::invalidate() {
+    m_cache = QImage();
+    update();
+}
+
+QString Symbol::resourcePath(const QString& name) {
+    return QStringLiteral(":/Ombrix/WidgetViews/symbols/%1.svg").arg(name);
+}
+
+bool Symbol::exists(const QString& name) {
+    // A name is a single file name; anything with a separator could reach elsewhere in the resources.
+    return !name.isEmpty() && !name.contains(u'/') && QFile::exists(resourcePath(name));
+}
+
+QImage Symbol::tinted(const QString& name, const QColor& color, qreal side, qreal devicePixelRatio) {
+    if (!exists(name) || side <= 0 || devicePixelRatio <= 0)
+        return {};
+    QSvgRenderer svg(resourcePath(name));
+    if (!svg.isValid())
+        return {};
+
+    const int px = qCeil(side * devicePixelRatio);
+    QImage image(px, px, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter p(&image);
+    p.setRenderHint(QPainter::Antialiasing);
+    QSizeF glyph = svg.viewBoxF().size();
+    if (glyph.isEmpty())
+        glyph = QSizeF(1, 1);
+    glyph.scale(px, px, Qt::KeepAspectRatio);
+    svg.render(&p, QRectF(QPointF((px - glyph.width()) / 2, (px - glyph.height()) / 2), glyph));
+    // SourceIn keeps the drawn coverage and takes every colour from the tint.
+    p.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    p.fillRect(image.rect(), color);
+    p.end();
+    image.setDevicePixelRatio(devicePixelRatio);
+    return image;
+}
+
+QIcon Symbol::icon(const QString& name, const QColor& color, int px) {
+    QIcon result;
+    for (const qreal ratio : {1.0, 2.0}) {
+        const QImage image = tinted(name, color, px, ratio);
+        if (!image.isNull())
+            result.addPixmap(QPixmap::fromImage(image));
+    }
+    return result;
+}
+
+void Symbol::paint(QPainter* painter) {
+    const qreal side = qMin<qreal>(m_size, qMin(width(), height()));
+    if (side <= 0)
+        return;
+    // The device transform carries the screen's pixel ratio and any scale of the item.
+    const QTransform t = painter->deviceTransform();
+    const qreal ratio = qMax<qreal>(std::hypot(t.m11(), t.m12()), 0.01);
+    if (m_cache.isNull() || m_cache.width() != qCeil(side * ratio) || m_cache.devicePixelRatio() != ratio)
+        m_cache = tinted(m_name, m_color, side, ratio);
+    if (m_cache.isNull())
+        return;
+    painter->setRenderHint(QPainter::SmoothPixmapTransform);
+    painter->drawImage(QRectF((width() - side) / 2, (height() - side) / 2, side, side), m_cache);
+}
