@@ -42,19 +42,15 @@ const std::array<QRegularExpression, 3>& namePatterns()
     return res;
 }
 
-// Group 1 of the first match as a signed 64-bit number: ASCII digits that fit, or nothing.
+// Group 1 of the first match as a signed 64-bit number, or nothing.
 std::optional<qint64> firstNumber(const QRegularExpression& re, const QString& text)
 {
     const auto match = re.match(text);
     if (!match.hasMatch())
         return std::nullopt;
-    const QStringView digits = match.capturedView(1);
-    for (const QChar c : digits) {
-        if (c < QLatin1Char('0') || c > QLatin1Char('9'))
-            return std::nullopt;
-    }
+    // Only ASCII digits convert, as with Int64(String).
     bool ok = false;
-    const qint64 value = digits.toLongLong(&ok);
+    const qint64 value = match.capturedView(1).toLongLong(&ok);
     return ok ? std::optional(value) : std::nullopt;
 }
 
