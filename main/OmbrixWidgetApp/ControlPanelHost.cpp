@@ -3,11 +3,11 @@
 
 #include "ControlPanelModel.h"
 #include "Screen.h"
+#include "Symbol.h"
 
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMenu>
-#include <QPainter>
 #include <QPointer>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -15,27 +15,11 @@
 #include <QQuickWindow>
 #include <QSystemTrayIcon>
 
-namespace {
-
-QIcon trayIcon()
-{
-    QPixmap pm(64, 64);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(Qt::NoPen);
-    p.setBrush(Qt::white);
-    for (int i = 0; i < 4; ++i)
-        p.drawEllipse(QRectF(6 + (i % 2) * 28, 6 + (i / 2) * 28, 24, 24));
-    return QIcon(pm);
-}
-
-} // namespace
 
 void AppDelegate::setupStatusBarItem()
 {
     m_statusBarItem = new QSystemTrayIcon(this);
-    m_statusBarItem->setIcon(trayIcon());
+    m_statusBarItem->setIcon(Symbol::icon("circle.grid.2x2.fill", Qt::white, 22));
     m_statusBarItem->setToolTip("OmbrixWidget");
     m_statusMenu = std::make_unique<QMenu>();
     QAction* show = m_statusMenu->addAction("Mostra Control Panel", this, &AppDelegate::showControlPanel);

@@ -1,4 +1,5 @@
 #include "AppDelegate.h"
+#include "SingleInstance.h"
 
 #include <QApplication>
 #include <QQuickWindow>
@@ -18,7 +19,13 @@ int main(int argc, char** argv)
     QApplication::setApplicationName("OmbrixWidget");
     QApplication::setQuitOnLastWindowClosed(false);
 
+    SingleInstance instance;
+    if (instance.forwardToRunningCopy())
+        return 0;
+    instance.listen();
+
     AppDelegate delegate;
+    QObject::connect(&instance, &SingleInstance::showRequested, &delegate, &AppDelegate::showControlPanel);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
     QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
     return app.exec();

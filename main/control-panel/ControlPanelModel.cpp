@@ -1,5 +1,15 @@
 #include "ControlPanelModel.h"
 
+#include "SettingsManager.h"
+#include "WeatherMonitor.h"
+
+#include <QQuickWindow>
+
+
+const QColor ControlPanelModel::systemGray = QColor(142, 142, 147);
+const QColor ControlPanelModel::statusGreen = QColor(48, 209, 88);
+const QColor ControlPanelModel::statusRed = QColor(255, 69, 58);
+
 ControlPanelModel::ControlPanelModel(QObject* parent) : QObject(parent) {}
 
 void ControlPanelModel::setCallbacks(ToggleCallback onToggleWidget, ResizeCallback onResizeWidget,
@@ -14,4 +24,140 @@ void ControlPanelModel::setActiveTab(const QString& tab)
 {
     m_activeTab = tab;
     emit activeTabChanged();
+}
+
+void ControlPanelModel::appear()
+{
+    const WeatherSettings w = SettingsManager::shared().weatherSettings();
+    m_weatherAutoMode = !w.useManual;
+    m_manualCity = w.city;
+    emit weatherAutoModeChanged();
+    emit manualCityChanged();
+}
+
+void ControlPanelModel::setManualCity(const QString& city)
+{
+    m_manualCity = city;
+    emit manualCityChanged();
+}
+
+void ControlPanelModel::setWeatherAutoMode(bool automatic)
+{
+    m_weatherAutoMode = automatic;
+    emit weatherAutoModeChanged();
+    auto& s = SettingsManager::shared();
+    WeatherSettings copy = s.weatherSettings();
+    copy.useManual = !automatic;
+    s.saveWeatherSettings(copy);
+}
+
+void ControlPanelModel::setWidgetEnabled(const QString& name, bool enabled)
+{
+    // The store is written by the application when the callback reaches it.
+    SettingsManager::shared().setProperty((name + "Enabled").toLatin1(), enabled);
+    if (m_onToggleWidget)
+        m_onToggleWidget(name, enabled);
+}
+
+void ControlPanelModel::setClickThrough(const QString& name, bool enabled)
+{
+    SettingsManager::shared().setProperty((name + "ClickThrough").toLatin1(), enabled);
+    if (m_onClickThroughChanged)
+        m_onClickThroughChanged(name, enabled);
+}
+
+void ControlPanelModel::setWidgetSize(const QString& name, const QString& size)
+{
+    auto& s = SettingsManager::shared();
+    s.setProperty((name + "Size").toLatin1(), size);
+    s.saveSetting(size, "widget." + name + ".size");
+    if (m_onResizeWidget)
+        m_onResizeWidget(name, size);
+}
+
+void ControlPanelModel::setClockStyle(const QString& style)
+{
+    auto& s = SettingsManager::shared();
+    s.setClockStyle(style);
+    s.saveSetting(style, "widget.clock.style");
+    s.updateSharedWidgetData();
+}
+
+void ControlPanelModel::setGlassTheme(const QString& theme)
+{
+    auto& s = SettingsManager::shared();
+    s.setGlassTheme(theme);
+    s.saveSetting(theme, "glass-theme");
+}
+
+bool ControlPanelModel::isDeviceVisible(const QString& key, const QStringList& visible) const
+{
+    return visible.contains(key);
+}
+
+void ControlPanelModel::setDeviceVisible(const QString& key, bool visible)
+{
+    auto& s = SettingsManager::shared();
+    QStringList copy = s.batteryVisibleDevices();
+    // The list keeps the order of ticking; readers treat it as a set.
+    if (visible && !copy.contains(key))
+        copy.append(key);
+    if (!visible)
+        copy.removeAll(key);
+    s.setBatteryVisibleDevices(copy);
+    s.saveSetting(copy, "widget.battery.visibleDevices");
+}
+
+void ControlPanelModel::saveManualLocation()
+{
+    const QString name = m_manualCity.trimmed();
+    if (name.isEmpty())
+        return;
+    setSearchInProgress(true);
+    setGeoStatus(QString::fromUtf8("Ricerca in corso…"), systemGray);
+    WeatherMonitor::shared().searchCityCoordinates(
+        name, this, [this](const WeatherResult<std::optional<WeatherSettings>>& result) {
+            if (const auto* found = std::get_if<std::optional<WeatherSettings>>(&result)) {
+                if (found->has_value()) {
+                    SettingsManager::shared().saveWeatherSettings(**found);
+                    setGeoStatus(QString::fromUtf8("✓ Impostato su ") + (*found)->city, statusGreen);
+                } else {
+                    setGeoStatus(QString::fromUtf8("Città non trovata"), statusRed);
+                }
+            } else {
+                setGeoStatus("Errore di rete", statusRed);
+            }
+            setSearchInProgress(false);
+        });
+}
+
+void ControlPanelModel::setGeoStatus(const QString& text, const QColor& color)
+{
+    m_geoStatusText = text;
+    m_geoStatusColor = color;
+    emit geoStatusChanged();
+}
+
+void ControlPanelModel::setSearchInProgress(bool running)
+{
+    m_searchInProgress = running;
+    emit searchInProgressChanged();
+}
+
+void ControlPanelModel::startWindowMove(QQuickItem* item)
+{
+    if (item && item->window())
+        item->window()->startSystemMove();
+}
+
+void ControlPanelModel::hideWindow(QQuickItem* item)
+{
+    if (item && item->window())
+        item->window()->hide();
+}
+
+void ControlPanelModel::minimizeWindow(QQuickItem* item)
+{
+    if (item && item->window())
+        item->window()->showMinimized();
 }

@@ -1,8 +1,11 @@
 #pragma once
-// The Control Panel's view state and the steps each of its controls runs. The application hands it
-// the three callbacks; the QML tree only binds to it.
+// The Control Panel's view state and the steps each of its controls runs, in order. The
+// application hands it the three callbacks; the QML tree only binds to it.
 #include <QColor>
 #include <QObject>
+#include <QQuickItem>
+#include <QVariantList>
+#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 #include <functional>
 
@@ -10,10 +13,19 @@ class ControlPanelModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString activeTab READ activeTab WRITE setActiveTab NOTIFY activeTabChanged)
+    Q_PROPERTY(bool weatherAutoMode READ weatherAutoMode WRITE setWeatherAutoMode NOTIFY weatherAutoModeChanged)
+    Q_PROPERTY(QString manualCity READ manualCity WRITE setManualCity NOTIFY manualCityChanged)
+    Q_PROPERTY(QString geoStatusText READ geoStatusText NOTIFY geoStatusChanged)
+    Q_PROPERTY(QColor geoStatusColor READ geoStatusColor NOTIFY geoStatusChanged)
+    Q_PROPERTY(bool searchInProgress READ searchInProgress NOTIFY searchInProgressChanged)
 
 public:
     using ToggleCallback = std::function<void(const QString& name, bool enabled)>;
     using ResizeCallback = std::function<void(const QString& name, const QString& size)>;
+
+    static const QColor systemGray;
+    static const QColor statusGreen;
+    static const QColor statusRed;
 
     explicit ControlPanelModel(QObject* parent = nullptr);
 
@@ -22,12 +34,50 @@ public:
 
     QString activeTab() const { return m_activeTab; }
     void setActiveTab(const QString& tab);
+    bool weatherAutoMode() const { return m_weatherAutoMode; }
+    // The automatic-location switch: also stores useManual as its negation.
+    void setWeatherAutoMode(bool automatic);
+    QString manualCity() const { return m_manualCity; }
+    void setManualCity(const QString& city);
+    QString geoStatusText() const { return m_geoStatusText; }
+    QColor geoStatusColor() const { return m_geoStatusColor; }
+    bool searchInProgress() const { return m_searchInProgress; }
+
+    // The panel came on screen: the location controls take the stored values.
+    Q_INVOKABLE void appear();
+
+    Q_INVOKABLE void setWidgetEnabled(const QString& name, bool enabled);
+    Q_INVOKABLE void setClickThrough(const QString& name, bool enabled);
+    Q_INVOKABLE void setWidgetSize(const QString& name, const QString& size);
+    Q_INVOKABLE void setClockStyle(const QString& style);
+    Q_INVOKABLE void setGlassTheme(const QString& theme);
+    Q_INVOKABLE bool isDeviceVisible(const QString& key, const QStringList& visible) const;
+    Q_INVOKABLE void setDeviceVisible(const QString& key, bool visible);
+    Q_INVOKABLE void saveManualLocation();
+
+    // The window has no title bar: it is moved by a press on its background and has its own
+    // close (which only hides it) and minimise controls.
+    Q_INVOKABLE void startWindowMove(QQuickItem* item);
+    Q_INVOKABLE void hideWindow(QQuickItem* item);
+    Q_INVOKABLE void minimizeWindow(QQuickItem* item);
 
 signals:
     void activeTabChanged();
+    void weatherAutoModeChanged();
+    void manualCityChanged();
+    void geoStatusChanged();
+    void searchInProgressChanged();
 
 private:
+    void setGeoStatus(const QString& text, const QColor& color);
+    void setSearchInProgress(bool running);
+
     QString m_activeTab = "widgets";
+    bool m_weatherAutoMode = true;
+    QString m_manualCity;
+    QString m_geoStatusText;
+    QColor m_geoStatusColor = systemGray;
+    bool m_searchInProgress = false;
     ToggleCallback m_onToggleWidget;
     ResizeCallback m_onResizeWidget;
     ToggleCallback m_onClickThroughChanged;

@@ -1,10 +1,146 @@
 import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Ombrix.Settings
+import Ombrix.WidgetWindow
+import Ombrix.WidgetViews
 import Ombrix.ControlPanel
 
+// The Control Panel: dark glass, header, two tabs and a scrolling content area, 420 by 600.
 Item {
     id: root
     property ControlPanelModel model: ControlPanelModel {}
+    readonly property color accentBlue: Qt.rgba(0, 122 / 255, 1, 1)
+    readonly property color indigo: Qt.rgba(88 / 255, 86 / 255, 214 / 255, 1)
     width: 420
     height: 600
-    Rectangle { anchors.fill: parent; color: "#202024" }
+
+    Component.onCompleted: model.appear()
+
+    VisualEffectView { anchors.fill: parent; material: 13; blendingMode: 0; state: 1 }
+
+    // The window has no title bar: a press on the background moves it.
+    MouseArea {
+        anchors.fill: parent
+        onPressed: root.model.startWindowMove(root)
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            objectName: "header"
+            Layout.fillWidth: true
+            Layout.topMargin: 24; Layout.leftMargin: 24; Layout.rightMargin: 24; Layout.bottomMargin: 16
+            spacing: 16
+            Item {
+                objectName: "logo"
+                width: 42; height: 42
+                DiagonalGradient { anchors.fill: parent; radius: 8; startColor: root.accentBlue; endColor: root.indigo }
+                Rectangle {
+                    anchors.centerIn: parent
+                    width: 22; height: 22; radius: 11
+                    color: "transparent"; border.color: "white"; border.width: 2
+                }
+                Rectangle { anchors.centerIn: parent; width: 4; height: 4; radius: 2; color: "white" }
+            }
+            ColumnLayout {
+                spacing: 2
+                Text { text: "OmbrixWidget"; font.pixelSize: 20; font.bold: true; color: "white" }
+                Text { text: "Widget premium per macOS"; font.pixelSize: 12; color: Qt.rgba(1, 1, 1, 0.55) }
+            }
+            Item { Layout.fillWidth: true }
+        }
+
+        RowLayout {
+            objectName: "tabBar"
+            Layout.fillWidth: true
+            Layout.leftMargin: 24; Layout.rightMargin: 24; Layout.bottomMargin: 16
+            spacing: 8
+            Repeater {
+                model: [{ text: "Widget", value: "widgets" }, { text: "Impostazioni", value: "settings" }]
+                Rectangle {
+                    required property var modelData
+                    objectName: "tab-" + modelData.value
+                    implicitWidth: tabText.implicitWidth + 32
+                    implicitHeight: tabText.implicitHeight + 12
+                    radius: 6
+                    color: root.model.activeTab === modelData.value ? Qt.rgba(1, 1, 1, 0.12) : "transparent"
+                    Text {
+                        id: tabText
+                        anchors.centerIn: parent
+                        text: parent.modelData.text
+                        font.pixelSize: 13; font.weight: Font.DemiBold
+                        color: "white"
+                    }
+                    TapHandler { onTapped: root.model.activeTab = parent.modelData.value }
+                }
+            }
+            Item { Layout.fillWidth: true }
+        }
+
+        Rectangle { Layout.fillWidth: true; implicitHeight: 1; color: Qt.rgba(1, 1, 1, 0.08) }
+
+        Flickable {
+            id: scroller
+            objectName: "content"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            contentWidth: width
+            contentHeight: content.implicitHeight + 48
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
+
+            ColumnLayout {
+                id: content
+                x: 24; y: 24
+                width: scroller.width - 48
+                spacing: 20
+                // Both tabs stay alive so switching keeps every state; only visibility changes.
+                WidgetsTab {
+                    objectName: "widgetsTab"
+                    Layout.fillWidth: true
+                    visible: root.model.activeTab === "widgets"
+                    model: root.model
+                }
+                SettingsTab {
+                    objectName: "settingsTab"
+                    Layout.fillWidth: true
+                    visible: root.model.activeTab !== "widgets"
+                    model: root.model
+                }
+            }
+        }
+    }
+
+    // Its own close and minimise controls, where a title bar would have them.
+    Row {
+        objectName: "windowControls"
+        x: 10; y: 8
+        spacing: 8
+        Repeater {
+            model: [{ symbol: "xmark", tint: Qt.rgba(1, 95 / 255, 87 / 255, 1), action: "close" },
+                    { symbol: "minus", tint: Qt.rgba(1, 189 / 255, 46 / 255, 1), action: "minimize" }]
+            Rectangle {
+                required property var modelData
+                objectName: "window-" + modelData.action
+                width: 12; height: 12; radius: 6
+                color: modelData.tint
+                Symbol {
+                    anchors.centerIn: parent
+                    visible: hover.hovered
+                    name: parent.modelData.symbol
+                    size: 8
+                    color: Qt.rgba(0, 0, 0, 0.6)
+                }
+                HoverHandler { id: hover }
+                TapHandler {
+                    onTapped: parent.modelData.action === "close" ? root.model.hideWindow(root)
+                                                                  : root.model.minimizeWindow(root)
+                }
+            }
+        }
+    }
 }

@@ -1,0 +1,30 @@
+import QtQuick
+import Ombrix.WidgetViews
+
+// A checkbox whose box alone flips it; a tap on the label does nothing.
+Row {
+    id: root
+    property string label
+    property bool checked
+    property alias font: labelText.font
+    property color labelColor: Qt.rgba(1, 1, 1, 0.75)
+    signal toggled(bool value)
+    spacing: 6
+
+    Symbol {
+        objectName: "box"
+        anchors.verticalCenter: parent.verticalCenter
+        name: root.checked ? "checkmark.square.fill" : "square"
+        size: 14
+        color: root.checked ? Qt.rgba(0, 122 / 255, 1, 1) : Qt.rgba(1, 1, 1, 0.3)
+        TapHandler { onTapped: root.toggled(!root.checked) }
+    }
+    Text {
+        id: labelText
+        objectName: "label"
+        anchors.verticalCenter: parent.verticalCenter
+        text: root.label
+        font.pixelSize: 12
+        color: root.labelColor
+    }
+}

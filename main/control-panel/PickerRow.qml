@@ -1,0 +1,78 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+RowLayout {
+    id: root
+    property string label
+    property string selection
+    property var options: ({})
+    signal picked(string value)
+    // Keys in ascending order, so "medium" stands above "small" and "opaque" above "transparent".
+    readonly property var entries: Object.keys(options).sort().map(k => ({ value: k, text: options[k] ?? "" }))
+    Layout.fillWidth: true
+
+    Text {
+        text: root.label
+        font.pixelSize: 13
+        color: Qt.rgba(1, 1, 1, 0.8)
+    }
+    Item { Layout.fillWidth: true }
+    ComboBox {
+        id: combo
+        objectName: "picker"
+        Layout.preferredWidth: 170
+        implicitHeight: 26
+        model: root.entries
+        textRole: "text"
+        valueRole: "value"
+        // A stored value outside the keys shows nothing chosen until the user picks.
+        currentIndex: root.entries.findIndex(e => e.value === root.selection)
+        onActivated: (index) => root.picked(root.entries[index].value)
+        font.pixelSize: 12
+        contentItem: Text {
+            leftPadding: 10
+            rightPadding: 24
+            text: combo.currentIndex >= 0 ? combo.displayText : ""
+            font: combo.font
+            color: "white"
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+        }
+        indicator: Text {
+            x: combo.width - width - 8
+            anchors.verticalCenter: parent.verticalCenter
+            text: "⌃"
+            rotation: 180
+            color: Qt.rgba(1, 1, 1, 0.6)
+            font.pixelSize: 10
+        }
+        background: Rectangle {
+            radius: 6
+            color: Qt.rgba(1, 1, 1, 0.1)
+            border.color: Qt.rgba(1, 1, 1, 0.08)
+        }
+        delegate: ItemDelegate {
+            required property var modelData
+            required property int index
+            width: combo.width
+            height: 26
+            highlighted: combo.highlightedIndex === index
+            contentItem: Text {
+                text: modelData.text
+                color: "white"
+                font.pixelSize: 12
+                verticalAlignment: Text.AlignVCenter
+            }
+            background: Rectangle {
+                radius: 4
+                color: parent.highlighted ? Qt.rgba(0, 122 / 255, 1, 1) : "transparent"
+            }
+        }
+        popup.background: Rectangle {
+            radius: 6
+            color: Qt.rgba(40 / 255, 40 / 255, 44 / 255, 0.98)
+            border.color: Qt.rgba(1, 1, 1, 0.12)
+        }
+    }
+}

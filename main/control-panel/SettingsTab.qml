@@ -1,0 +1,133 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Ombrix.Settings
+import Ombrix.ControlPanel
+
+// The glass theme, the weather location with its city search, and the app's own lines.
+ColumnLayout {
+    id: tab
+    required property ControlPanelModel model
+    spacing: 18
+
+    component Heading: Text {
+        font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5
+        color: Qt.rgba(1, 1, 1, 0.4)
+    }
+    component Box: Rectangle {
+        default property alias content: boxColumn.data
+        Layout.fillWidth: true
+        implicitHeight: boxColumn.implicitHeight + 28
+        radius: 12
+        color: Qt.rgba(1, 1, 1, 0.04)
+        ColumnLayout {
+            id: boxColumn
+            x: 14; y: 14
+            width: parent.width - 28
+            spacing: 12
+        }
+    }
+    component MetadataRow: RowLayout {
+        property string label
+        property string value
+        Layout.fillWidth: true
+        Text { text: parent.label; font.pixelSize: 13; color: Qt.rgba(1, 1, 1, 0.55) }
+        Item { Layout.fillWidth: true }
+        Text { text: parent.value; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
+    }
+
+    Heading { text: "Aspetto" }
+    Box {
+        PickerRow {
+            objectName: "theme"
+            label: "Tema Vetro Widget"
+            options: ({ "transparent": "Liquid Glass Trasparente", "opaque": "Liquid Glass Opaco" })
+            selection: Settings.glassTheme
+            onPicked: (v) => tab.model.setGlassTheme(v)
+        }
+    }
+
+    Heading { text: "Configura il meteo"; Layout.topMargin: 10 }
+    Box {
+        RowLayout {
+            Layout.fillWidth: true
+            ColumnLayout {
+                spacing: 2
+                Text { text: "Posizione automatica (via IP)"; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
+                Text { text: "Rileva la tua città dall'indirizzo IP"; font.pixelSize: 11; color: Qt.rgba(1, 1, 1, 0.4) }
+            }
+            Item { Layout.fillWidth: true }
+            PanelSwitch {
+                objectName: "autoLocation"
+                checked: tab.model.weatherAutoMode
+                onToggled: (v) => tab.model.weatherAutoMode = v
+            }
+        }
+        Item {
+            objectName: "citySection"
+            visible: !tab.model.weatherAutoMode
+            Layout.fillWidth: true
+            implicitHeight: city.implicitHeight + 10
+            EdgeBorder { anchors.fill: parent; borderWidth: 1; edges: EdgeBorder.Top }
+            ColumnLayout {
+                id: city
+                y: 10
+                width: parent.width
+                spacing: 8
+                Text { text: "Città"; font.pixelSize: 11; font.weight: Font.DemiBold; color: Qt.rgba(1, 1, 1, 0.55) }
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: 8
+                    TextField {
+                        objectName: "cityField"
+                        Layout.fillWidth: true
+                        text: tab.model.manualCity
+                        onTextEdited: tab.model.manualCity = text
+                        placeholderText: "es. Milano, Roma, Napoli"
+                        placeholderTextColor: Qt.rgba(1, 1, 1, 0.35)
+                        color: "white"
+                        font.pixelSize: 13
+                        topPadding: 6; bottomPadding: 6; leftPadding: 10; rightPadding: 10
+                        background: Rectangle { radius: 6; color: Qt.rgba(1, 1, 1, 0.08) }
+                    }
+                    Rectangle {
+                        objectName: "saveButton"
+                        readonly property bool busy: tab.model.searchInProgress
+                        implicitWidth: saveLabel.implicitWidth + 28
+                        implicitHeight: saveLabel.implicitHeight + 12
+                        radius: 6
+                        color: Qt.rgba(0, 122 / 255, 1, 1)
+                        opacity: busy ? 0.6 : 1
+                        Text {
+                            id: saveLabel
+                            objectName: "saveLabel"
+                            anchors.centerIn: parent
+                            text: parent.busy ? "..." : "Salva"
+                            font.pixelSize: 12; font.bold: true
+                            color: "white"
+                        }
+                        TapHandler {
+                            enabled: !parent.busy
+                            onTapped: tab.model.saveManualLocation()
+                        }
+                    }
+                }
+                Text {
+                    objectName: "geoStatus"
+                    visible: tab.model.geoStatusText !== ""
+                    Layout.topMargin: 2
+                    text: tab.model.geoStatusText
+                    textFormat: Text.PlainText
+                    font.pixelSize: 11; font.weight: Font.Medium
+                    color: tab.model.geoStatusColor
+                }
+            }
+        }
+    }
+
+    Heading { text: "App"; Layout.topMargin: 10 }
+    Box {
+        MetadataRow { label: "Versione"; value: "1.0.0" }
+        MetadataRow { label: "Autore"; value: "Ombrix" }
+    }
+}

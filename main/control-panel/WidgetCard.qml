@@ -1,0 +1,69 @@
+import QtQuick
+import QtQuick.Layouts
+import Ombrix.WidgetViews
+
+// One widget's card: the head row with its switch, and its options while it is on.
+Rectangle {
+    id: card
+    property string title
+    property string description
+    property string icon
+    property bool enabled
+    signal toggled(bool value)
+    default property alias options: optionsColumn.data
+
+    Layout.fillWidth: true
+    implicitHeight: column.implicitHeight
+    radius: 12
+    color: Qt.rgba(1, 1, 1, 0.04)
+    border.color: Qt.rgba(1, 1, 1, 0.04)
+    border.width: 1
+    clip: true
+
+    ColumnLayout {
+        id: column
+        width: parent.width
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.margins: 14
+            spacing: 12
+            Rectangle {
+                width: 38; height: 38; radius: 8
+                color: Qt.rgba(1, 1, 1, 0.08)
+                Symbol {
+                    anchors.centerIn: parent
+                    name: card.icon
+                    size: 18
+                    color: card.enabled ? Qt.rgba(0, 122 / 255, 1, 1) : Qt.rgba(1, 1, 1, 0.6)
+                }
+            }
+            ColumnLayout {
+                spacing: 2
+                Text { text: card.title; font.pixelSize: 14; font.weight: Font.DemiBold; color: "white" }
+                Text { text: card.description; font.pixelSize: 12; color: Qt.rgba(1, 1, 1, 0.45) }
+            }
+            Item { Layout.fillWidth: true }
+            PanelSwitch {
+                objectName: "cardSwitch"
+                checked: card.enabled
+                onToggled: (v) => card.toggled(v)
+            }
+        }
+
+        Rectangle {
+            objectName: "options"
+            visible: card.enabled
+            Layout.fillWidth: true
+            implicitHeight: optionsColumn.implicitHeight + 14
+            color: Qt.rgba(0, 0, 0, 0.1)
+            ColumnLayout {
+                id: optionsColumn
+                x: 14
+                width: parent.width - 28
+                spacing: 12
+            }
+        }
+    }
+}

@@ -1,0 +1,130 @@
+import QtQuick
+import QtQuick.Layouts
+import Ombrix.Settings
+import Ombrix.ControlPanel
+
+// The four widget cards, with their options while each is on.
+ColumnLayout {
+    id: tab
+    required property ControlPanelModel model
+    readonly property var sizes: ({ "small": "Piccolo (2x2)", "medium": "Medio (4x2)" })
+    readonly property var clockStyles: ({ "analog": "Analogico", "digital": "Digitale" })
+    spacing: 16
+
+    Text {
+        text: "Attiva e gestisci i tuoi widget"
+        font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5
+        color: Qt.rgba(1, 1, 1, 0.4)
+    }
+
+    WidgetCard {
+        objectName: "card-clock"
+        title: "Orologio & Data"; description: "Analogico o digitale minimalista"; icon: "clock"
+        enabled: Settings.clockEnabled
+        onToggled: (v) => tab.model.setWidgetEnabled("clock", v)
+        ToggleRow {
+            objectName: "clickThrough-clock"
+            label: "Cliccabile attraverso"; value: Settings.clockClickThrough
+            onToggled: (v) => tab.model.setClickThrough("clock", v)
+        }
+        PickerRow {
+            objectName: "style-clock"
+            label: "Stile orologio"; options: tab.clockStyles; selection: Settings.clockStyle
+            onPicked: (v) => tab.model.setClockStyle(v)
+        }
+        PickerRow {
+            objectName: "size-clock"
+            label: "Dimensione widget"; options: tab.sizes; selection: Settings.clockSize
+            onPicked: (v) => tab.model.setWidgetSize("clock", v)
+        }
+    }
+
+    WidgetCard {
+        objectName: "card-weather"
+        title: "Meteo"; description: "Temperatura, condizioni e H/L"; icon: "cloud.sun"
+        enabled: Settings.weatherEnabled
+        onToggled: (v) => tab.model.setWidgetEnabled("weather", v)
+        ToggleRow {
+            objectName: "clickThrough-weather"
+            label: "Cliccabile attraverso"; value: Settings.weatherClickThrough
+            onToggled: (v) => tab.model.setClickThrough("weather", v)
+        }
+        PickerRow {
+            objectName: "size-weather"
+            label: "Dimensione widget"; options: tab.sizes; selection: Settings.weatherSize
+            onPicked: (v) => tab.model.setWidgetSize("weather", v)
+        }
+    }
+
+    WidgetCard {
+        objectName: "card-battery"
+        title: "Batteria"; description: "Carica e stato di alimentazione"; icon: "battery.100"
+        enabled: Settings.batteryEnabled
+        onToggled: (v) => tab.model.setWidgetEnabled("battery", v)
+        ToggleRow {
+            objectName: "clickThrough-battery"
+            label: "Cliccabile attraverso"; value: Settings.batteryClickThrough
+            onToggled: (v) => tab.model.setClickThrough("battery", v)
+        }
+        PickerRow {
+            objectName: "size-battery"
+            label: "Dimensione widget"; options: tab.sizes; selection: Settings.batterySize
+            onPicked: (v) => tab.model.setWidgetSize("battery", v)
+        }
+        Item {
+            Layout.fillWidth: true
+            implicitHeight: devices.implicitHeight + 6
+            EdgeBorder { anchors.fill: parent; borderWidth: 1; edges: EdgeBorder.Top }
+            ColumnLayout {
+                id: devices
+                y: 6
+                width: parent.width
+                spacing: 8
+                Text {
+                    Layout.topMargin: 4
+                    text: "Mostra dispositivi:"
+                    font.pixelSize: 11; font.weight: Font.DemiBold
+                    color: Qt.rgba(1, 1, 1, 0.4)
+                }
+                GridLayout {
+                    Layout.fillWidth: true
+                    columns: 2
+                    rowSpacing: 8
+                    Repeater {
+                        model: [
+                            { label: "MacBook", key: "macbook" },
+                            { label: "Apple Watch", key: "watch" },
+                            { label: "Magic Mouse", key: "mouse" },
+                            { label: "AirPods", key: "airpods" }
+                        ]
+                        CheckboxToggleStyle {
+                            required property var modelData
+                            objectName: "device-" + modelData.key
+                            Layout.fillWidth: true
+                            label: modelData.label
+                            checked: Settings.batteryVisibleDevices.indexOf(modelData.key) >= 0
+                            onToggled: (v) => tab.model.setDeviceVisible(modelData.key, v)
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    WidgetCard {
+        objectName: "card-music"
+        title: "Now Playing"; description: "Spotify, Apple Music in tempo reale"; icon: "music.note"
+        enabled: Settings.musicEnabled
+        onToggled: (v) => tab.model.setWidgetEnabled("music", v)
+        ToggleRow {
+            objectName: "clickThrough-music"
+            label: "Cliccabile attraverso"; value: Settings.musicClickThrough
+            onToggled: (v) => tab.model.setClickThrough("music", v)
+        }
+        PickerRow {
+            objectName: "size-music"
+            label: "Dimensione widget"; options: tab.sizes; selection: Settings.musicSize
+            onPicked: (v) => tab.model.setWidgetSize("music", v)
+        }
+    }
+}
