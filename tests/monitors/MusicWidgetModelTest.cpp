@@ -8,6 +8,7 @@
 #include "SettingsManager.h"
 
 #include <QFile>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -129,6 +130,32 @@ TEST(ArtworkImageRules, FillCropsEvenly)
     };
     for (const auto& [image, frame, source] : cases)
         EXPECT_EQ(ArtworkImage::fillSource(image, frame), source) << image.width() << "x" << image.height();
+}
+
+TEST(ArtworkImageRules, PaintsTheCroppedMiddleInsideRoundedCorners)
+{
+    // A wide picture, left third red, middle green, right third blue: filling a square shows the
+    // middle only, and the corners are cut.
+    QImage picture(300, 100, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    for (int y = 0; y < 100; ++y)
+        for (int x = 0; x < 100; ++x) {
+            picture.setPixelColor(x, y, Qt::red);
+            picture.setPixelColor(x + 200, y, Qt::blue);
+        }
+    ArtworkImage item;
+    item.setSize({82, 82});
+    item.setRadius(14);
+    item.setImage(picture);
+    QImage canvas(82, 82, QImage::Format_ARGB32);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    item.paint(&painter);
+    painter.end();
+    for (const QPoint p : {QPoint(41, 41), QPoint(3, 41), QPoint(78, 41)})
+        EXPECT_EQ(canvas.pixelColor(p), QColor(Qt::green)) << p.x();
+    EXPECT_EQ(canvas.pixelColor(0, 0).alpha(), 0);
+    EXPECT_EQ(canvas.pixelColor(81, 81).alpha(), 0);
 }
 
 // ---- Downloads and refreshes, against a loopback server and a canned monitor ----
