@@ -16,7 +16,7 @@ const BatteryDevice* mainDevice(const QList<BatteryDevice>& devices)
 
 } // namespace
 
-BatteryWidgetModel::BatteryWidgetModel(QObject* parent) : QObject(parent), m_rings(this)
+BatteryWidgetModel::BatteryWidgetModel(QObject* parent) : QObject(parent), m_timer(this), m_rings(this)
 {
     m_timer.setInterval(refreshIntervalMs);
     m_timer.setTimerType(Qt::PreciseTimer);
