@@ -1,4 +1,250 @@
 import QtQuick
+import QtQuick.Layouts
+import QtQuick.Window
+import Ombrix.Settings
+import Ombrix.WidgetViews
 
+// The weather: city, emoji, temperature and description, with four forecast rows at medium size.
 WidgetContainer {
+    id: root
+    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
+    readonly property string emojiFamily: "Noto Color Emoji"
+    readonly property bool isMedium: Settings.weatherSize === "medium"
+    readonly property bool onScreen: root.visible && root.Window.window !== null && root.Window.window.visible
+    readonly property bool showForecast: isMedium && weather.hasDaily
+    // Exactly one panel shows, tested in this order.
+    readonly property string panel: weather.loading ? "loading"
+                                  : weather.connectionError ? "error"
+                                  : weather.hasWeatherData ? "data" : ""
+    property alias model: weather
+
+    // Point sizes that aren't whole pixels go through the point size.
+    function fractionalPixels(size) {
+        return size * 72 / (Screen.logicalPixelDensity * 25.4)
+    }
+
+    glowColor: weather.glowColor
+
+    WeatherWidgetModel {
+        id: weather
+        active: root.onScreen
+    }
+
+    Column {
+        objectName: "loadingPanel"
+        visible: root.panel === "loading"
+        anchors.centerIn: parent
+        spacing: 12
+
+        // Twelve fading spokes stepped round once a second: a few small repaints, no running animation.
+        Item {
+            id: spinner
+            objectName: "spinner"
+            property int step: 0
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: 32
+            height: 32
+            rotation: step * 30
+
+            Repeater {
+                model: 12
+                Rectangle {
+                    required property int index
+                    x: (spinner.width - width) / 2
+                    y: 1
+                    width: 2.5
+                    height: 8
+                    radius: 1.25
+                    antialiasing: true
+                    color: "white"
+                    opacity: 1 - index * 0.07
+                    transform: Rotation {
+                        origin.x: 1.25
+                        origin.y: spinner.height / 2 - 1
+                        angle: -index * 30
+                    }
+                }
+            }
+            Timer {
+                objectName: "spinnerTimer"
+                interval: 83
+                repeat: true
+                running: spinner.visible && root.onScreen
+                onTriggered: spinner.step = (spinner.step + 1) % 12
+            }
+        }
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "AGGIORNAMENTO…"
+            font.pixelSize: 10
+            font.bold: true
+            color: root.dimWhite
+        }
+    }
+
+    Column {
+        objectName: "errorPanel"
+        visible: root.panel === "error"
+        anchors.centerIn: parent
+        spacing: 8
+
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "🌐"
+            font.family: root.emojiFamily
+            font.pixelSize: 24
+        }
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "ERRORE DI RETE"
+            font.pixelSize: 10
+            font.bold: true
+            color: root.dimWhite
+        }
+    }
+
+    RowLayout {
+        objectName: "dataPanel"
+        visible: root.panel === "data"
+        anchors.fill: parent
+        spacing: 0
+
+        ColumnLayout {
+            objectName: "mainColumn"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.alignment: Qt.AlignLeft | Qt.AlignVCenter
+            spacing: 0
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.alignment: Qt.AlignTop
+                spacing: 12
+
+                Text {
+                    objectName: "city"
+                    Layout.fillWidth: true
+                    Layout.alignment: Qt.AlignTop
+                    text: weather.cityName
+                    textFormat: Text.PlainText
+                    font.pixelSize: 15
+                    font.weight: Font.DemiBold
+                    color: "white"
+                    maximumLineCount: 1
+                    elide: Text.ElideRight
+                }
+                Item {
+                    Layout.alignment: Qt.AlignTop
+                    implicitWidth: emoji.implicitWidth
+                    implicitHeight: emoji.implicitHeight
+
+                    EmojiShadow {
+                        x: -radius
+                        y: 4 - radius
+                        width: emoji.width + 2 * radius
+                        height: emoji.height + 2 * radius
+                        text: emoji.text
+                        font: emoji.font
+                        color: Qt.rgba(0, 0, 0, 0.3)
+                        radius: 6
+                    }
+                    Text {
+                        id: emoji
+                        objectName: "emoji"
+                        text: weather.weatherEmoji
+                        font.family: root.emojiFamily
+                        font.pixelSize: 26
+                    }
+                }
+            }
+            Item { Layout.fillHeight: true }
+            ColumnLayout {
+                spacing: 2
+
+                Text {
+                    objectName: "temperature"
+                    Layout.leftMargin: -2
+                    text: weather.temperatureText
+                    font.pixelSize: root.isMedium ? 50 : 58
+                    font.weight: Font.Thin
+                    font.letterSpacing: -3.5
+                    color: "white"
+                }
+                ColumnLayout {
+                    spacing: 1
+
+                    Text {
+                        objectName: "description"
+                        text: weather.weatherDescription
+                        font.pointSize: root.fractionalPixels(12.5)
+                        font.weight: Font.Medium
+                        color: "white"
+                    }
+                    Text {
+                        objectName: "highLow"
+                        visible: text !== ""
+                        text: weather.highLowText
+                        font.pixelSize: 12
+                        font.weight: Font.Medium
+                        color: root.dimWhite
+                    }
+                }
+            }
+        }
+
+        Rectangle {
+            objectName: "divider"
+            visible: root.showForecast
+            Layout.preferredWidth: 1
+            Layout.fillHeight: true
+            Layout.topMargin: 4
+            Layout.bottomMargin: 4
+            Layout.leftMargin: 16
+            Layout.rightMargin: 16
+            color: Qt.rgba(1, 1, 1, 0.08)
+        }
+
+        ColumnLayout {
+            objectName: "forecast"
+            visible: root.showForecast
+            Layout.preferredWidth: 140
+            Layout.maximumWidth: 140
+            Layout.alignment: Qt.AlignLeft | Qt.AlignVCenter
+            spacing: 4
+
+            Repeater {
+                model: weather.forecastRows
+                RowLayout {
+                    required property var modelData
+                    Layout.fillWidth: true
+                    spacing: 8
+
+                    Text {
+                        Layout.preferredWidth: 42
+                        text: modelData.dayName
+                        font.pixelSize: 12
+                        font.weight: Font.Medium
+                        color: root.dimWhite
+                    }
+                    Text {
+                        text: modelData.emoji
+                        font.family: root.emojiFamily
+                        font.pixelSize: 16
+                    }
+                    Item { Layout.fillWidth: true }
+                    Text {
+                        text: modelData.maxText
+                        font.pixelSize: 12
+                        font.weight: Font.DemiBold
+                        color: "white"
+                    }
+                    Text {
+                        text: modelData.minText
+                        font.pixelSize: 12
+                        color: Qt.rgba(1, 1, 1, 0.35)
+                    }
+                }
+            }
+        }
+    }
 }
