@@ -67,3 +67,15 @@ double brightness(const QImage& img, const QRect& r)
         }
     return n ? sum / n : 0;
 }
+
+QQuickItem* findItem(QQuickItem* from, const QString& objectName)
+{
+    if (!from)
+        return nullptr;
+    if (from->objectName() == objectName)
+        return from;
+    for (QQuickItem* child : from->childItems())
+        if (QQuickItem* found = findItem(child, objectName))
+            return found;
+    return nullptr;
+}

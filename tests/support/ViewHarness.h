@@ -6,6 +6,8 @@
 #include <QQuickWindow>
 #include <memory>
 
+QQuickItem* findItem(QQuickItem* from, const QString& objectName);
+
 class ViewHarness {
 public:
     // Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height.
@@ -19,8 +21,9 @@ public:
 
     // Lets bindings and painting settle, then grabs the window's own pixels.
     QImage grab();
+    // By object name through the item tree (Repeater delegates are not QObject children).
     template <typename T>
-    T* find(const QString& objectName) const { return m_root ? m_root->findChild<T*>(objectName) : nullptr; }
+    T* find(const QString& objectName) const { return qobject_cast<T*>(findItem(m_root, objectName)); }
 
 private:
     QQmlEngine m_engine;
