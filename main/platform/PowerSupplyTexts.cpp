@@ -82,8 +82,8 @@ QString stateText(const QString& status, bool onAC)
 QString blockSafe(QString name)
 {
     name.replace('"', '\'');
-    for (const QChar c : {QChar('\n'), QChar('\r'), QChar('\v'), QChar('\f'), QChar(0x85), QChar(0x2028), QChar(0x2029)})
-        name.replace(c, ' ');
+    for (const char16_t c : {u'\n', u'\r', u'\v', u'\f', u'\x85', u'\x2028', u'\x2029'})
+        name.replace(QChar(c), ' ');
     return name.replace(QLatin1String("+-o"), QLatin1String("+- o")).trimmed();
 }
 

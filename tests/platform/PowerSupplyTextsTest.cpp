@@ -9,7 +9,8 @@ namespace {
 
 using Build = std::function<void(FakePowerSupplyTree&)>;
 
-struct PmsetCase {
+// A tree and the text it should read as.
+struct TreeCase {
     const char* what;
     Build build;
     QString expected;
@@ -19,7 +20,7 @@ struct PmsetCase {
 
 TEST(PowerSupplyTexts, SystemBatteryReadsAsPmset)
 {
-    const QList<PmsetCase> cases = {
+    const QList<TreeCase> cases = {
         {"laptop at 15 % charging, AC online",
          [](auto& t) {
              t.addLaptopBattery("BAT0", 15, "Charging");
@@ -69,12 +70,7 @@ TEST(PowerSupplyTexts, SystemBatteryReadsAsPmset)
 
 TEST(PowerSupplyTexts, GarbageGivesNoNumberAndNoCrash)
 {
-    struct Case {
-        const char* what;
-        Build build;
-        QString expected;
-    };
-    const QList<Case> cases = {
+    const QList<TreeCase> cases = {
         {"capacity is not a number: no percent at all",
          [](auto& t) {
              t.addLaptopBattery("BAT0", 0, "Discharging");
@@ -138,12 +134,7 @@ TEST(PowerSupplyTexts, DeviceBatteriesReadAsIoregBlocks)
             text += "      \"Product\" = \"" + product + "\"\n";
         return text + "    }\n\n";
     };
-    struct Case {
-        const char* what;
-        Build build;
-        QString expected;
-    };
-    const QList<Case> cases = {
+    const QList<TreeCase> cases = {
         {"a mouse at 64 % beside the laptop",
          [](auto& t) {
              t.addLaptopBattery("BAT0", 15, "Charging");
