@@ -48,20 +48,22 @@ WidgetContainer {
 
             Repeater {
                 model: 12
+                // Spokes from radius 7 to 15, each turned about the spinner's centre.
                 Rectangle {
+                    id: spoke
                     required property int index
-                    x: (spinner.width - width) / 2
+                    x: 14.75
                     y: 1
                     width: 2.5
                     height: 8
                     radius: 1.25
                     antialiasing: true
                     color: "white"
-                    opacity: 1 - index * 0.07
+                    opacity: 1 - spoke.index * 0.07
                     transform: Rotation {
                         origin.x: 1.25
-                        origin.y: spinner.height / 2 - 1
-                        angle: -index * 30
+                        origin.y: 15
+                        angle: -spoke.index * 30
                     }
                 }
             }
@@ -215,31 +217,32 @@ WidgetContainer {
             Repeater {
                 model: weather.forecastRows
                 RowLayout {
+                    id: row
                     required property var modelData
                     Layout.fillWidth: true
                     spacing: 8
 
                     Text {
                         Layout.preferredWidth: 42
-                        text: modelData.dayName
+                        text: row.modelData.dayName
                         font.pixelSize: 12
                         font.weight: Font.Medium
                         color: root.dimWhite
                     }
                     Text {
-                        text: modelData.emoji
+                        text: row.modelData.emoji
                         font.family: root.emojiFamily
                         font.pixelSize: 16
                     }
                     Item { Layout.fillWidth: true }
                     Text {
-                        text: modelData.maxText
+                        text: row.modelData.maxText
                         font.pixelSize: 12
                         font.weight: Font.DemiBold
                         color: "white"
                     }
                     Text {
-                        text: modelData.minText
+                        text: row.modelData.minText
                         font.pixelSize: 12
                         color: Qt.rgba(1, 1, 1, 0.35)
                     }

@@ -78,6 +78,23 @@ TEST(ReplayServer, AHangingPathNeverAnswers)
     EXPECT_EQ(server.requestLines().size(), 1);
 }
 
+TEST(ReplayServer, ADelayedReplyComesWholeAfterItsDelay)
+{
+    QTemporaryDir dir;
+    writeFile(dir.filePath("replies.json"), R"({"/late": {"body": "late", "delayMs": 600}})");
+    ReplayServer server;
+    server.serveDirectory(dir.path());
+    ASSERT_TRUE(server.listen());
+    QNetworkAccessManager network;
+    QNetworkReply* reply = network.get(QNetworkRequest(QUrl(server.baseUrl() + "/late")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return server.requestLines().size() == 1; }, 5000));
+    QTest::qWait(100);
+    EXPECT_FALSE(reply->isFinished()); // asked, but not yet answered
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reply->isFinished(); }, 5000));
+    EXPECT_EQ(reply->readAll(), "late");
+    delete reply;
+}
+
 TEST(ReplayServer, ReadsAFolderAgainAtEachRequest)
 {
     QTemporaryDir dir;

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 
 namespace {
 
@@ -83,6 +84,7 @@ std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(co
         r.status = o.value("status").toInt(r.status);
         r.contentType = o.value("contentType").toString(QString::fromLatin1(r.contentType)).toUtf8();
         r.hang = o.value("hang").toBool(false);
+        r.delayMs = o.value("delayMs").toInt(0);
         if (o.contains("file")) {
             QFile body(QDir(directory).filePath(o.value("file").toString()));
             if (!body.open(QIODevice::ReadOnly))
@@ -137,6 +139,9 @@ void ReplayServer::onReadyRead(QTcpSocket* socket)
     const auto reply = replyFor(targetPath(line));
     if (reply && reply->hang)
         return;
-    socket->write(response(reply.value_or(Reply{404, "not found", "text/plain"})));
-    socket->disconnectFromHost();
+    const QByteArray answer = response(reply.value_or(Reply{404, "not found", "text/plain"}));
+    QTimer::singleShot(reply ? reply->delayMs : 0, socket, [socket, answer] {
+        socket->write(answer);
+        socket->disconnectFromHost();
+    });
 }

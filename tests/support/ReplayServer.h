@@ -1,7 +1,8 @@
 #pragma once
 // A small HTTP/1.1 server on 127.0.0.1 for tests: it answers each request with the canned reply of
 // its path (query ignored), or 404, and keeps every request line exactly as it came, so a test can
-// check each byte of a query. A reply may also hang: the connection is accepted and never answered.
+// check each byte of a query. A reply may also hang (the connection is accepted and never answered)
+// or come late, whole, after a delay.
 // One request per connection; every answer closes it.
 #include <QByteArray>
 #include <QHash>
@@ -22,6 +23,7 @@ public:
         QByteArray body;
         QByteArray contentType = "application/json; charset=utf-8";
         bool hang = false;
+        int delayMs = 0;
     };
 
     explicit ReplayServer(QObject* parent = nullptr);
@@ -40,8 +42,8 @@ public:
     void clearReplies();
 
     // Answers from a folder instead, read again at every request so a run can change its replies.
-    // Its "replies.json" maps a path to {"status", "contentType", "hang", and "file" (beside it) or
-    // "body" (text)}; a missing field takes the default of Reply.
+    // Its "replies.json" maps a path to {"status", "contentType", "hang", "delayMs", and "file" (beside
+    // it) or "body" (text)}; a missing field takes the default of Reply.
     void serveDirectory(const QString& directory);
     static std::optional<QMap<QString, Reply>> readDirectory(const QString& directory);
 

@@ -1,4 +1,5 @@
 #include "EmojiShadow.h"
+#include "PixelChecks.h"
 #include "ReplayServer.h"
 #include "ViewHarness.h"
 #include "WeatherFixtures.h"
@@ -20,21 +21,6 @@ QByteArray forecastWithCode(int code)
     QByteArray body = samples::forecastMilan;
     return body.replace(R"("temperature_2m":21.5,"weathercode":2,)",
                         QByteArray(R"("temperature_2m":21.5,"weathercode":)") + QByteArray::number(code) + ",");
-}
-
-bool coloured(const QColor& c)
-{
-    return c.alpha() > 150 && std::max({c.red(), c.green(), c.blue()}) - std::min({c.red(), c.green(), c.blue()}) > 60;
-}
-bool bright(const QColor& c) { return c.alpha() > 150 && c.red() > 200 && c.green() > 200 && c.blue() > 200; }
-
-int countPixels(const QImage& img, const QRect& r, bool (*test)(const QColor&))
-{
-    int n = 0;
-    for (int y = r.top(); y <= r.bottom(); ++y)
-        for (int x = r.left(); x <= r.right(); ++x)
-            n += test(img.pixelColor(x, y)) ? 1 : 0;
-    return n;
 }
 
 // Red minus blue of a pixel composed over black: how warm the glow is there.
