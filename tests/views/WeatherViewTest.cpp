@@ -57,6 +57,21 @@ protected:
     {
         return qobject_cast<WeatherWidgetModel*>(view.root()->property("model").value<QObject*>());
     }
+    // A grab can catch a frame drawn before the layouts settled on new data: grab until two
+    // frames agree. The spinner never settles, so the loading panel takes one grab.
+    static QImage settledGrab(ViewHarness& view)
+    {
+        QImage last = view.grab();
+        if (panel(view) == "loading")
+            return last;
+        for (int i = 0; i < 10; ++i) {
+            QImage next = view.grab();
+            if (next == last)
+                break;
+            last = std::move(next);
+        }
+        return last;
+    }
     static QFont fontOf(const ViewHarness& view, const QString& name)
     {
         return view.find<QQuickItem>(name)->property("font").value<QFont>();
@@ -93,7 +108,7 @@ TEST_F(WeatherViewTest, EveryPanelAtBothSizesAndThemes)
                 ViewHarness view(kView, w, 170);
                 ASSERT_TRUE(view.root()) << view.errors().toStdString();
                 ASSERT_TRUE(waitForPanel(view, state.panel)) << panel(view).toStdString();
-                const QImage img = view.grab();
+                const QImage img = settledGrab(view);
                 img.save(artifactsDir() + "/" + tag + ".png");
 
                 for (const QString name : {"loadingPanel", "errorPanel", "dataPanel"})
@@ -154,7 +169,7 @@ TEST_F(WeatherViewTest, TheGlowFollowsTheWeatherCode)
         ASSERT_TRUE(view.root()) << view.errors().toStdString();
         ASSERT_TRUE(waitForPanel(view, "data"));
         EXPECT_EQ(view.find<QQuickItem>("emoji")->property("text").toString(), QString::fromUtf8(c.emoji));
-        const QImage img = view.grab();
+        const QImage img = settledGrab(view);
         img.save(artifactsDir() + QString("/weather-glow-%1.png").arg(c.code));
         warmths << warmth(img, QPoint(85, 163));
     }
@@ -169,14 +184,14 @@ TEST_F(WeatherViewTest, AFailedReloadShowsTheErrorAndTheNextSuccessTheSameDataAg
     ViewHarness view(kView, 170, 170);
     ASSERT_TRUE(view.root()) << view.errors().toStdString();
     ASSERT_TRUE(waitForPanel(view, "data"));
-    const QImage before = view.grab();
+    const QImage before = settledGrab(view);
 
     // Each step is one of the widget's own triggers, a new city text (the place still comes from the
     // IP address), and starts exactly one load.
     server.setJson("/v1/forecast", "<html>502</html>", 502);
     settings().saveWeatherSettings({false, "Roma, Italia", 41.9, 12.5});
     ASSERT_TRUE(waitForPanel(view, "error"));
-    const QImage failed = view.grab();
+    const QImage failed = settledGrab(view);
     failed.save(artifactsDir() + "/weather-reload-failed.png");
     EXPECT_TRUE(model(view)->hasWeatherData());
     EXPECT_EQ(model(view)->cityName(), "Milan");
@@ -186,7 +201,7 @@ TEST_F(WeatherViewTest, AFailedReloadShowsTheErrorAndTheNextSuccessTheSameDataAg
     server.setJson("/v1/forecast", samples::forecastMilan);
     settings().saveWeatherSettings({false, "Napoli, Italia", 40.8, 14.2});
     ASSERT_TRUE(waitForPanel(view, "data"));
-    const QImage after = view.grab();
+    const QImage after = settledGrab(view);
     after.save(artifactsDir() + "/weather-reload-recovered.png");
     EXPECT_EQ(after, before);
 }
@@ -221,7 +236,7 @@ TEST_F(WeatherViewTest, GrowingToMediumDrawsTheForecastFromTheDataHeld)
 
     settings().setWeatherSize("medium");
     view.resize(340, 170);
-    const QImage img = view.grab();
+    const QImage img = settledGrab(view);
     img.save(artifactsDir() + "/weather-grown-medium.png");
     EXPECT_EQ(panel(view), "data");
     EXPECT_EQ(server.requestLines().size(), requests);
