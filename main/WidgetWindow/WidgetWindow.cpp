@@ -60,10 +60,33 @@ void WidgetWindow::mousePressEvent(QMouseEvent* event)
     // no item grabs moves the window, carried out by the window manager.
     QQuickWindow::mousePressEvent(event);
     const bool taken = event->points().size() == 1 && event->exclusiveGrabber(event->points().first());
+    m_dragArmed = false;
     if (taken || m_ignoresMouseEvents || !m_movableByWindowBackground || event->button() != Qt::LeftButton)
         return;
     event->accept();
+    m_dragArmed = true;
+    m_pressPosition = event->globalPosition();
+}
+
+void WidgetWindow::mouseMoveEvent(QMouseEvent* event)
+{
+    QQuickWindow::mouseMoveEvent(event);
+    // The move is handed to the window manager only once the pointer really travels: a plain
+    // click must never leave it waiting for a release that has already happened.
+    if (!m_dragArmed || !(event->buttons() & Qt::LeftButton))
+        return;
+    // A few pixels: the window trails the pointer by this much once the manager has it.
+    constexpr double dragStart = 3;
+    if ((event->globalPosition() - m_pressPosition).manhattanLength() < dragStart)
+        return;
+    m_dragArmed = false;
     startSystemMove();
+}
+
+void WidgetWindow::mouseReleaseEvent(QMouseEvent* event)
+{
+    m_dragArmed = false;
+    QQuickWindow::mouseReleaseEvent(event);
 }
 
 void WidgetWindow::moveEvent(QMoveEvent* event)

@@ -39,6 +39,8 @@ signals:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -51,4 +53,6 @@ private:
     bool m_ignoresMouseEvents = false;
     bool m_movableByWindowBackground = true;
     QTimer m_dragPoll;
+    bool m_dragArmed = false;
+    QPointF m_pressPosition;
 };
