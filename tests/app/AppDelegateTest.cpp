@@ -160,3 +160,33 @@ TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelow)
     EXPECT_FALSE(app.widgetWindows().value("battery")->flags() & Qt::WindowTransparentForInput);
     app.toggleWidget("battery", false);
 }
+
+TEST_F(Registry, ShowingThePanelAgainKeepsItsWindowTabAndState)
+{
+    app.createControlPanelWindow();
+    QQuickWindow* panel = app.controlPanelWindow();
+    ASSERT_TRUE(panel);
+    EXPECT_EQ(panel->geometry(), QRect(510, 150, 420, 600)); // centred in the 1440x900 visible frame
+    EXPECT_EQ(panel->title(), "OmbrixWidget Control Panel");
+    EXPECT_FALSE(panel->isVisible()); // made, not shown
+    app.showControlPanel();
+    ASSERT_TRUE(XSession::waitFor([&] { return panel->isExposed(); }));
+    auto* root = panel->contentItem()->childItems().value(0);
+    ASSERT_TRUE(root);
+    auto* model = root->property("model").value<QObject*>();
+    ASSERT_TRUE(model);
+    model->setProperty("activeTab", "settings");
+    model->setProperty("manualCity", "Bari");
+    panel->close(); // its own close only hides it
+    ASSERT_TRUE(XSession::waitFor([&] { return !panel->isVisible(); }));
+    app.showControlPanel();
+    EXPECT_EQ(app.controlPanelWindow(), panel);
+    EXPECT_TRUE(XSession::waitFor([&] { return panel->isExposed(); }));
+    EXPECT_EQ(model->property("activeTab").toString(), "settings");
+    EXPECT_EQ(model->property("manualCity").toString(), "Bari");
+    // The callbacks reach the registry: switching the clock on from the panel opens its window.
+    QMetaObject::invokeMethod(model, "setWidgetEnabled", Q_ARG(QString, "clock"), Q_ARG(bool, true));
+    EXPECT_TRUE(app.widgetWindows().contains("clock"));
+    QMetaObject::invokeMethod(model, "setWidgetEnabled", Q_ARG(QString, "clock"), Q_ARG(bool, false));
+    EXPECT_FALSE(app.widgetWindows().contains("clock"));
+}
