@@ -2,7 +2,8 @@
 # Whole-app resource probe: runs OmbrixWidget on a private virtual display with the given widgets
 # switched on, and reports the CPU seconds it used over a window of time and its resident memory.
 # usage: bench/app_probe.sh [SECONDS] [WIDGET...]      e.g. bench/app_probe.sh 60 clock
-# Extra settings may be given as KEY=VALUE in OMBRIX_PROBE_SETTINGS (string values).
+# Extra settings may be given as KEY=VALUE in OMBRIX_PROBE_SETTINGS (string values); the app is
+# taken from OMBRIX_BUILD_DIR (default build/).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 secs=${1:-60}; shift || true
@@ -16,7 +17,7 @@ mkdir -p "$conf"
   for w in "${widgets[@]}"; do echo "{\"k\":\"widget.$w.enabled\",\"bool\":true}"; done
   for kv in ${OMBRIX_PROBE_SETTINGS:-}; do echo "{\"k\":\"${kv%%=*}\",\"string\":\"${kv#*=}\"}"; done
 } > "$conf/group.com.ombrixwidget.json"
-HOME=$home XDG_CONFIG_HOME=$home/.config ./build/OmbrixWidget &
+HOME=$home XDG_CONFIG_HOME=$home/.config "${OMBRIX_BUILD_DIR:-build}/OmbrixWidget" &
 app=$!
 sleep 5   # start-up is not part of the steady state
 ticks() { awk '{print $14 + $15}' /proc/$app/stat; }

@@ -121,10 +121,12 @@ QString XSession::run(const QString& program, const QStringList& args, int timeo
     return QString::fromUtf8(p.readAllStandardOutput());
 }
 
-bool XSession::startApp()
+bool XSession::startApp(const QProcessEnvironment& extra)
 {
     m_app = std::make_unique<QProcess>();
-    m_app->setProcessEnvironment(environment());
+    QProcessEnvironment env = environment();
+    env.insert(extra);
+    m_app->setProcessEnvironment(env);
     m_app->setProcessChannelMode(QProcess::ForwardedChannels);
     m_app->start(buildDir() + "/OmbrixWidget", {});
     return m_app->waitForStarted(5000);

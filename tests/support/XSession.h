@@ -30,8 +30,9 @@ public:
     // Runs a tool on this display and gives its standard output (empty on failure).
     QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
 
-    // Starts build/OmbrixWidget on this display with this session's HOME.
-    bool startApp();
+    // Starts build/OmbrixWidget on this display with this session's HOME, plus `extra` variables
+    // (a private session bus, for one).
+    bool startApp(const QProcessEnvironment& extra = {});
     void stopApp();
     QProcess* app() { return m_app.get(); }
 
