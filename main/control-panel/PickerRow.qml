@@ -29,7 +29,7 @@ RowLayout {
         // A stored value outside the keys shows nothing chosen until the user picks.
         currentIndex: root.entries.findIndex(e => e.value === root.selection)
         onActivated: (index) => root.picked(root.entries[index].value)
-        font.pixelSize: 12
+        font.pixelSize: 11
         contentItem: Text {
             leftPadding: 10
             rightPadding: 24

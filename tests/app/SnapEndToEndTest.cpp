@@ -22,15 +22,7 @@ struct App {
             suite->setObject(json, "widget." + name + ".position");
         suite->synchronize();
     }
-    QString window(const QString& name)
-    {
-        QString id;
-        XSession::waitFor([&] {
-            id = x.windowsNamed("OmbrixWidget " + name).value(0);
-            return !id.isEmpty();
-        });
-        return id;
-    }
+    QString window(const QString& name) { return x.waitForWindow("OmbrixWidget " + name); }
     // Origin in app coordinates, as the X server has it.
     QPointF origin(const QString& id)
     {

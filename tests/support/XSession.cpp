@@ -152,6 +152,17 @@ QStringList XSession::windowsNamed(const QString& title) const
     return out.split('\n', Qt::SkipEmptyParts);
 }
 
+QString XSession::waitForWindow(const QString& title, int timeoutMs) const
+{
+    QString id;
+    waitFor([&] {
+        const auto ids = windowsNamed(title);
+        id = ids.size() == 1 ? ids.first() : QString();
+        return !id.isEmpty();
+    }, timeoutMs);
+    return id;
+}
+
 QRect XSession::geometryOf(const QString& windowId) const
 {
     const QString out = run("xwininfo", {"-id", windowId});

@@ -38,6 +38,8 @@ public:
 
     // Windows by exact title or by WM_CLASS instance, as X ids.
     QStringList windowsNamed(const QString& title) const;
+    // Waits for exactly one visible window of that title and gives its id (empty on time-out).
+    QString waitForWindow(const QString& title, int timeoutMs = 15000) const;
     // A window's outer geometry in X (top-left) coordinates, read with xwininfo.
     QRect geometryOf(const QString& windowId) const;
     QImage grabScreen() const;
