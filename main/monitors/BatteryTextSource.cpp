@@ -3,6 +3,7 @@
 #include "BatteryMonitor.h"
 #include "ChildProcess.h"
 #include "HostName.h"
+#include "SettingsManager.h"
 
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -17,15 +18,23 @@ bool onPath(const char* tool) { return !QStandardPaths::findExecutable(QString::
 
 SystemBatteryTexts::SystemBatteryTexts(QString powerSupplyRoot) : m_root(std::move(powerSupplyRoot)) {}
 
+QString SystemBatteryTexts::root() const
+{
+    if (!m_root.isEmpty())
+        return m_root;
+    const auto configured = SettingsManager::shared().configString(rootConfigKey);
+    return configured && !configured->isEmpty() ? *configured : QString(powersupply::defaultRoot);
+}
+
 QString SystemBatteryTexts::pmsetText()
 {
-    return onPath("pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(m_root);
+    return onPath("pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(root());
 }
 
 QString SystemBatteryTexts::ioregText()
 {
     return onPath("ioreg") ? BatteryMonitor::shell(R"(ioreg -r -d 1 -k "BatteryPercent")")
-                           : powersupply::ioregText(m_root);
+                           : powersupply::ioregText(root());
 }
 
 QString SystemBatteryTexts::computerName()

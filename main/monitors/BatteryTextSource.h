@@ -14,15 +14,20 @@ public:
 };
 
 // Each call asks the machine what it has: pmset, ioreg and scutil where they are installed,
-// otherwise the kernel's power-supply tree under `powerSupplyRoot` and the host name.
+// otherwise a power-supply tree and the host name. The tree is `powerSupplyRoot` when given, else
+// the one the settings name under `rootConfigKey` (whole-app tests), else the kernel's.
 class SystemBatteryTexts : public BatteryTextSource {
 public:
-    explicit SystemBatteryTexts(QString powerSupplyRoot = powersupply::defaultRoot);
+    static constexpr const char* rootConfigKey = "platform.powersupply.root";
+
+    explicit SystemBatteryTexts(QString powerSupplyRoot = {});
 
     QString pmsetText() override;
     QString ioregText() override;
     QString computerName() override;
 
 private:
+    QString root() const;
+
     QString m_root;
 };

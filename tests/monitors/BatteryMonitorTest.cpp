@@ -1,6 +1,7 @@
 #include "BatteryFixtures.h"
 #include "BatteryMonitor.h"
 #include "FakePowerSupplyTree.h"
+#include "SettingsManager.h"
 
 #include <QDir>
 #include <QFile>
@@ -347,6 +348,36 @@ TEST(BatteryMonitor, LinuxTreeWhenTheToolsAreMissing)
         EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(), c.expected);
     }
     BatteryMonitor::shared().setTextSource(nullptr);
+}
+
+TEST(BatteryMonitor, TheAppsSourceReadsTheTreeTheSettingsName)
+{
+    QTemporaryDir emptyPath;
+    PathScope path(emptyPath.path());
+    FakePowerSupplyTree tree;
+    tree.addLaptopBattery("BAT0", 15, "Charging");
+    tree.addDeviceBattery("hid-1-battery", "Magic Mouse", 64);
+    auto& settings = SettingsManager::shared();
+    SystemBatteryTexts texts; // no tree of its own: asks the settings at each reading
+    struct Case {
+        const char* what;
+        QString configured;
+        QList<BatteryDevice> expected;
+    };
+    const QList<Case> cases = {
+        {"named tree", tree.root(), {macbook(15, true), accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
+        // An empty or missing folder is read as it is: no battery, no accessories.
+        {"missing folder", tree.root() + "/nowhere", {macbook(100, false)}},
+        {"named tree again", tree.root(), {macbook(15, true), accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        settings.saveSetting(c.configured, SystemBatteryTexts::rootConfigKey);
+        EXPECT_EQ(BatteryMonitor::parseBatteryDevices(texts.pmsetText(), texts.ioregText()), c.expected);
+    }
+    // Cleared, it is the kernel's tree again: whatever this machine has, never the fake one.
+    settings.saveSetting(QString(), SystemBatteryTexts::rootConfigKey);
+    EXPECT_FALSE(texts.ioregText().contains("Magic Mouse"));
 }
 
 TEST(BatteryMonitor, ToolsOnThePathAreRunInsteadOfTheTree)
