@@ -41,12 +41,14 @@ WidgetContainer {
                 anchors.centerIn: parent
                 spacing: 8
                 Text {
+                    objectName: "waitingNote"
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: "🎵"
                     font.family: root.emojiFamily
                     font.pixelSize: 32
                 }
                 Text {
+                    objectName: "waitingText"
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: "In attesa di musica…"
                     font.pixelSize: 13
