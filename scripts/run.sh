@@ -11,6 +11,7 @@ if [ -z "${DISPLAY:-}" ]; then
   echo "No display found: running on the virtual display $DISPLAY (Xvfb 1440x900, openbox, trayer)."
   ./build/OmbrixWidget &
   app=$!
+  trap 'kill $app 2>/dev/null; ombrix_stop_x' EXIT INT TERM
   shot="$PWD/artifacts/screen.png"
   mkdir -p artifacts
   sleep 4
