@@ -33,39 +33,15 @@ std::optional<Position> defaultOrigin(const QString& name, const Rect& v, double
     return std::nullopt;
 }
 
-QString sizeOf(const SettingsManager& s, const QString& name)
-{
-    if (name == "clock")
-        return s.clockSize();
-    if (name == "weather")
-        return s.weatherSize();
-    if (name == "battery")
-        return s.batterySize();
-    if (name == "music")
-        return s.musicSize();
-    return {};
-}
+// The store's properties are named after the widget ("clockSize", "musicEnabled"); an unknown
+// name reads as empty and false.
+QString sizeOf(const SettingsManager& s, const QString& name) { return s.property((name + "Size").toLatin1()).toString(); }
 
 bool clickThroughOf(const SettingsManager& s, const QString& name)
 {
-    if (name == "clock")
-        return s.clockClickThrough();
-    if (name == "weather")
-        return s.weatherClickThrough();
-    if (name == "battery")
-        return s.batteryClickThrough();
-    return name == "music" && s.musicClickThrough();
+    return s.property((name + "ClickThrough").toLatin1()).toBool();
 }
 
-bool enabledOf(const SettingsManager& s, const QString& name)
-{
-    if (name == "clock")
-        return s.clockEnabled();
-    if (name == "weather")
-        return s.weatherEnabled();
-    if (name == "battery")
-        return s.batteryEnabled();
-    return name == "music" && s.musicEnabled();
-}
+bool enabledOf(const SettingsManager& s, const QString& name) { return s.property((name + "Enabled").toLatin1()).toBool(); }
 
 } // namespace widgets
