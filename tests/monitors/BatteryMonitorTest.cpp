@@ -63,8 +63,6 @@ TEST(BatteryMonitor, PmsetTextGivesTheMachinesRecord)
     const QList<Case> cases = {
         {"AC, charging", "Now drawing from 'AC Power'\n -InternalBattery-0 (id=1234) 87%; charging; 0:42 remaining", 87,
          true},
-        {"AC, charged", "Now drawing from 'AC Power'\n -InternalBattery-0 (id=1234) 100%; charged; 0:00 remaining", 100,
-         true},
         {"battery, discharging",
          "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1234) 54%; discharging; 3:10 remaining", 54, false},
         {"AC and nothing else", "Now drawing from 'AC Power'", 100, true},
@@ -76,15 +74,12 @@ TEST(BatteryMonitor, PmsetTextGivesTheMachinesRecord)
         {"not clamped", "999%", 999, false},
         {"largest 64-bit number", "9223372036854775807%", 9223372036854775807, false},
         {"one past it", "9223372036854775808%", 100, false},
-        {"far too long", "123456789012345678901234567890%", 100, false},
         {"leading zeros", "007%", 7, false},
         {"minus is not part of the number", "-5%", 5, false},
         {"digits of another script count as a match that fails",
          QString::fromUtf8("\xd9\xa8\xd9\xa7% then 50%"), 100, false},
-        {"percent sign alone", "%", 100, false},
         {"a number without percent", "id=1234", 100, false},
         {"the text is not split into lines", "Now drawing from\n'AC Power'\ndischarging\n8\n%", 100, false},
-        {"tool error text", "pmset: command not found", 100, false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -103,8 +98,6 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
                            "id 0x1, registered>\n";
     const QList<Case> cases = {
         {"the Magic Mouse block", magicMouseBlock, {accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
-        {"the same block as a trackpad", QString(magicMouseBlock).replace("Magic Mouse", "Magic Trackpad"),
-         {accessory("magic-trackpad", "Magic Trackpad", 64, "trackpad")}},
         {"no name key: the header's class name is cleared", withoutProduct(magicMouseBlock), {}},
         {"header name kept when it is no service class",
          "+-o ExampleMouseDriver  <class ExampleMouseDriver, id 0x1c10, registered>\n  {\n    \"BatteryPercent\" = 30\n  }\n",
@@ -156,7 +149,6 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
         {"an accessory named MacBook", accessoryBlock("MacBook", 50), {accessory("macbook", "MacBook", 50, "accessory")}},
         {"names keep their case and non-ASCII letters", accessoryBlock(QString::fromUtf8("Über Maus"), 50),
          {accessory(QString::fromUtf8("über-maus"), QString::fromUtf8("Über Maus"), 50, "accessory")}},
-        {"empty text", "", {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -167,14 +159,11 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
 TEST(BatteryMonitor, NamesAreClassifiedInTableOrder)
 {
     const QList<std::pair<QString, QString>> cases = {
-        {"Magic Mouse", "mouse"},
         {"MX Master MOUSE", "mouse"},
         {"Magic Keyboard with Touch ID", "keyboard"},
         {"Keyboard and Trackpad Combo", "keyboard"},
         {"Trackpad with Mouse Buttons", "mouse"},
-        {"Magic Trackpad", "trackpad"},
         {"Apple Pencil", "pencil"},
-        {"AirPods Pro", "airpods"},
         {"Studio Headphones", "airpods"},
         {"Apple Watch", "watch"},
         {"Watch Headphone Stand", "airpods"},
@@ -205,24 +194,11 @@ TEST(BatteryMonitor, RealWorldShapes)
       "IOProviderClass" = "IOHIDInterface"
     }
     
-+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, id 0x100000d12, registered, matched, active, busy 0 (0 ms), retain 7>
-    {
-      "Product" = "Magic Trackpad"
-      "BatteryPercent" = 17
-      "BatteryStatusFlags" = 0
-    }
-    
 +-o AirPods di Giulia  <class IOBluetoothDevice, id 0x100000e01, registered, matched, active, busy 0 (0 ms), retain 6>
     {
       "BatteryPercentCase" = 90
       "BatteryPercent" = 71
       "Transport" = "Bluetooth"
-    }
-    
-+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, id 0x100000e02, registered, matched, active, busy 0 (0 ms), retain 6>
-    {
-      "BatteryPercent" = 55
-      "Product" = "AirPods Pro"
     }
     
 +-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, id 0x100000e03, registered, matched, active, busy 0 (0 ms), retain 6>
@@ -238,9 +214,7 @@ TEST(BatteryMonitor, RealWorldShapes)
         macbook(15, false),
         accessory("magic-keyboard-with-touch-id-and-numeric-keypad", "Magic Keyboard with Touch ID and Numeric Keypad",
                   83, "keyboard"),
-        accessory("magic-trackpad", "Magic Trackpad", 17, "trackpad"),
         accessory("airpods-di-giulia", "AirPods di Giulia", 71, "airpods"),
-        accessory("airpods-pro", "AirPods Pro", 55, "airpods"),
     };
     EXPECT_EQ(BatteryMonitor::parseBatteryDevices(pmset, ioreg), expected);
 }
@@ -260,7 +234,6 @@ TEST(BatteryMonitor, ShellRunsThroughZsh)
         {"exit status ignored", "echo rotto; exit 7", "rotto\n"},
         {"not UTF-8", R"(printf 'ok \xff\xfe')", ""},
         {"UTF-8 passes", R"(printf 'Caff\xc3\xa8')", QString::fromUtf8("Caff\xc3\xa8")},
-        {"nothing printed", "true", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -308,45 +281,19 @@ TEST(BatteryMonitor, DevicesComeFromTheSourceEachCall)
 
 TEST(BatteryMonitor, LinuxTreeWhenTheToolsAreMissing)
 {
+    // The tree's own reading rules are checked where the tree is read; this proves both halves meet.
     QTemporaryDir emptyPath;
     PathScope path(emptyPath.path());
-    struct Case {
-        const char* what;
-        std::function<void(FakePowerSupplyTree&)> build;
-        QList<BatteryDevice> expected;
-    };
-    const QList<Case> cases = {
-        {"laptop charging, a mouse and headphones",
-         [](auto& t) {
-             t.addLaptopBattery("BAT0", 15, "Charging");
-             t.addMains("AC", true);
-             t.addDeviceBattery("hid-1-battery", "Wireless Mouse M510", 64);
-             t.addDeviceBattery("hid-2-battery", "Studio Headphones", 40);
-         },
-         {macbook(15, true), accessory("wireless-mouse-m510", "Wireless Mouse M510", 64, "mouse"),
-          accessory("studio-headphones", "Studio Headphones", 40, "airpods")}},
-        {"laptop at 80 held on AC", [](auto& t) {
-             t.addLaptopBattery("BAT0", 80, "Not charging");
-             t.addMains("AC", true);
-         },
-         {macbook(80, true)}},
-        {"discharging", [](auto& t) { t.addLaptopBattery("BAT0", 54, "Discharging"); }, {macbook(54, false)}},
-        {"desktop with a keyboard and an unnamed pad",
-         [](auto& t) {
-             t.addMains("AC", true);
-             t.addDeviceBattery("hid-1-battery", "Keyboard K380", 90);
-             t.addSupply("hid-2-battery", {{"type", "Battery"}, {"scope", "Device"}, {"capacity", "30"}});
-         },
-         {macbook(100, false), accessory("keyboard-k380", "Keyboard K380", 90, "keyboard")}},
-        {"no battery at all", [](auto&) {}, {macbook(100, false)}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        FakePowerSupplyTree tree;
-        c.build(tree);
-        BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(tree.root()));
-        EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(), c.expected);
-    }
+    FakePowerSupplyTree tree;
+    tree.addLaptopBattery("BAT0", 15, "Charging");
+    tree.addMains("AC", true);
+    tree.addDeviceBattery("hid-1-battery", "Wireless Mouse M510", 64);
+    tree.addDeviceBattery("hid-2-battery", "Studio Headphones", 40);
+    tree.addSupply("hid-3-battery", {{"type", "Battery"}, {"scope", "Device"}, {"capacity", "30"}}); // unnamed: dropped
+    BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(tree.root()));
+    EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(),
+              (QList<BatteryDevice>{macbook(15, true), accessory("wireless-mouse-m510", "Wireless Mouse M510", 64, "mouse"),
+                                    accessory("studio-headphones", "Studio Headphones", 40, "airpods")}));
     BatteryMonitor::shared().setTextSource(nullptr);
 }
 
@@ -406,10 +353,4 @@ TEST(BatteryMonitor, ToolsOnThePathAreRunInsteadOfTheTree)
     EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(),
               (QList<BatteryDevice>{macbook(100, false), accessory("magic-trackpad", "Magic Trackpad", 33, "trackpad")}));
     BatteryMonitor::shared().setTextSource(nullptr);
-}
-
-TEST(BatteryMonitor, SystemComputerNameIsNeverEmpty)
-{
-    // No scutil here: the host name stands in.
-    EXPECT_FALSE(BatteryMonitor::shared().getComputerName().isEmpty());
 }
