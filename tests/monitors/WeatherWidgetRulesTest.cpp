@@ -36,12 +36,9 @@ TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription)
     const Case cases[] = {
         {0, sun, "Sereno"},
         {1, partly, "Parz. nuvoloso"},
-        {2, partly, "Parz. nuvoloso"},
         {-1, partly, "Parz. nuvoloso"},
-        {-100, partly, "Parz. nuvoloso"},
         {3, cloud, "Nuvoloso"},
         {4, fog, "Nebbia"},
-        {45, fog, "Nebbia"},
         {49, fog, "Nebbia"},
         {50, rain, "Pioggerella"},
         {57, rain, "Pioggerella"},
@@ -50,10 +47,8 @@ TEST(WeatherWidgetRules, WmoCodesGiveEmojiAndDescription)
         {68, snow, "Neve"},
         {77, snow, "Neve"},
         {78, showers, "Rovesci"},
-        {79, showers, "Rovesci"},
         {82, showers, "Rovesci"},
         {83, storm, "Temporale"},
-        {99, storm, "Temporale"},
         {100, thermometer, "Sconosciuto"},
         {std::numeric_limits<qint64>::max(), thermometer, "Sconosciuto"},
     };
@@ -95,16 +90,12 @@ TEST(WeatherWidgetRules, TemperaturesAreWholeDegrees)
         {-0.5, "-1°"},
         {0.5, "1°"},
         {24.49, "24°"},
-        {0, "0°"},
         {-0.0, "0°"},
-        {13.6, "14°"},
-        {-12.2, "-12°"},
         {1e18, "1000000000000000000°"},
         {inf, "—°"},
         {-inf, "—°"},
         {std::nan(""), "—°"},
         {1e19, "—°"},
-        {-1e300, "—°"},
     };
     for (const auto& [value, text] : cases)
         EXPECT_EQ(WeatherWidgetModel::formatTemperature(value), QString::fromUtf8(text)) << value;
