@@ -155,22 +155,16 @@ TEST_F(WeatherViewTest, EveryPanelAtBothSizesAndThemes)
 
 TEST_F(WeatherViewTest, TheGlowFollowsTheWeatherCode)
 {
-    struct Case {
-        int code;
-        const char* emoji;
-    };
-    // From the warmest glow to the coolest.
-    const QList<Case> cases = {{0, "\u2600\uFE0F"}, {2, "\u26C5"}, {3, "\u2601\uFE0F"}, {61, "\U0001F327\uFE0F"}};
+    // From the warmest glow to the coolest; which code gives which colour is the rules' to test.
     QList<int> warmths;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        server.setJson("/v1/forecast", forecastWithCode(c.code));
+    for (const int code : {0, 2, 3, 61}) {
+        SCOPED_TRACE(code);
+        server.setJson("/v1/forecast", forecastWithCode(code));
         ViewHarness view(kView, 170, 170);
         ASSERT_TRUE(view.root()) << view.errors().toStdString();
         ASSERT_TRUE(waitForPanel(view, "data"));
-        EXPECT_EQ(view.find<QQuickItem>("emoji")->property("text").toString(), QString::fromUtf8(c.emoji));
         const QImage img = settledGrab(view);
-        img.save(artifactsDir() + QString("/weather-glow-%1.png").arg(c.code));
+        img.save(artifactsDir() + QString("/weather-glow-%1.png").arg(code));
         warmths << warmth(img, QPoint(85, 163));
     }
     EXPECT_GT(warmths[0], warmths[1]);
@@ -193,8 +187,6 @@ TEST_F(WeatherViewTest, AFailedReloadShowsTheErrorAndTheNextSuccessTheSameDataAg
     ASSERT_TRUE(waitForPanel(view, "error"));
     const QImage failed = settledGrab(view);
     failed.save(artifactsDir() + "/weather-reload-failed.png");
-    EXPECT_TRUE(model(view)->hasWeatherData());
-    EXPECT_EQ(model(view)->cityName(), "Milan");
     // The glow stays on the last weather's colour.
     EXPECT_EQ(warmth(failed, QPoint(85, 163)), warmth(before, QPoint(85, 163)));
 
@@ -232,7 +224,6 @@ TEST_F(WeatherViewTest, GrowingToMediumDrawsTheForecastFromTheDataHeld)
     ASSERT_TRUE(view.root()) << view.errors().toStdString();
     ASSERT_TRUE(waitForPanel(view, "data"));
     const auto requests = server.requestLines().size();
-    EXPECT_EQ(fontOf(view, "temperature").pixelSize(), 58);
 
     settings().setWeatherSize("medium");
     view.resize(340, 170);
@@ -240,8 +231,6 @@ TEST_F(WeatherViewTest, GrowingToMediumDrawsTheForecastFromTheDataHeld)
     img.save(artifactsDir() + "/weather-grown-medium.png");
     EXPECT_EQ(panel(view), "data");
     EXPECT_EQ(server.requestLines().size(), requests);
-    EXPECT_EQ(fontOf(view, "temperature").pixelSize(), 50);
-    EXPECT_TRUE(view.find<QQuickItem>("forecast")->isVisible());
     EXPECT_GT(countPixels(img, QRect(340 - 18 - 140, 18, 140, 134), coloured), 150);
 }
 
