@@ -20,8 +20,10 @@ AppDelegate::AppDelegate(QObject* parent)
 
 AppDelegate::~AppDelegate()
 {
+    // Every window's view tree lives in the engine's contexts: the windows go before the engine.
     qDeleteAll(m_widgetWindows);
     m_widgetWindows.clear();
+    delete m_controlPanelWindow;
 }
 
 void AppDelegate::applicationDidFinishLaunching()
