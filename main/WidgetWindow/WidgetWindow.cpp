@@ -39,8 +39,6 @@ WidgetWindow::~WidgetWindow() = default;
 
 void WidgetWindow::setClickThrough(bool enabled)
 {
-    m_ignoresMouseEvents = enabled;
-    m_movableByWindowBackground = !enabled;
     setFlag(Qt::WindowTransparentForInput, enabled);
 }
 
@@ -61,7 +59,7 @@ void WidgetWindow::mousePressEvent(QMouseEvent* event)
     QQuickWindow::mousePressEvent(event);
     const bool taken = event->points().size() == 1 && event->exclusiveGrabber(event->points().first());
     m_dragArmed = false;
-    if (taken || m_ignoresMouseEvents || !m_movableByWindowBackground || event->button() != Qt::LeftButton)
+    if (taken || !isMovableByWindowBackground() || event->button() != Qt::LeftButton)
         return;
     event->accept();
     m_dragArmed = true;

@@ -22,8 +22,9 @@ public:
     WidgetHostingView* contentView() const { return m_contentView; }
 
     void setClickThrough(bool enabled);
-    bool ignoresMouseEvents() const { return m_ignoresMouseEvents; }
-    bool isMovableByWindowBackground() const { return m_movableByWindowBackground; }
+    // The two always change together: a click-through window is never moved by its background.
+    bool ignoresMouseEvents() const { return flags().testFlag(Qt::WindowTransparentForInput); }
+    bool isMovableByWindowBackground() const { return !ignoresMouseEvents(); }
     bool canBecomeKey() const { return false; }
     bool canBecomeMain() const { return false; }
 
@@ -50,8 +51,6 @@ private:
 
     QString m_widgetName;
     WidgetHostingView* m_contentView = nullptr;
-    bool m_ignoresMouseEvents = false;
-    bool m_movableByWindowBackground = true;
     QTimer m_dragPoll;
     bool m_dragArmed = false;
     QPointF m_pressPosition;

@@ -115,36 +115,34 @@ void DefaultsSuite::load()
     }
 }
 
-std::optional<bool> DefaultsSuite::boolForKey(const QString& key) const
+const QVariant* DefaultsSuite::find(const QString& key, int typeId) const
 {
     const auto it = m_values.constFind(key);
-    if (it == m_values.cend() || it->typeId() != QMetaType::Bool)
-        return std::nullopt;
-    return it->toBool();
+    return it == m_values.cend() || it->typeId() != typeId ? nullptr : &*it;
+}
+
+std::optional<bool> DefaultsSuite::boolForKey(const QString& key) const
+{
+    const QVariant* v = find(key, QMetaType::Bool);
+    return v ? std::optional(v->toBool()) : std::nullopt;
 }
 
 std::optional<QString> DefaultsSuite::stringForKey(const QString& key) const
 {
-    const auto it = m_values.constFind(key);
-    if (it == m_values.cend() || it->typeId() != QMetaType::QString)
-        return std::nullopt;
-    return it->toString();
+    const QVariant* v = find(key, QMetaType::QString);
+    return v ? std::optional(v->toString()) : std::nullopt;
 }
 
 std::optional<QByteArray> DefaultsSuite::dataForKey(const QString& key) const
 {
-    const auto it = m_values.constFind(key);
-    if (it == m_values.cend() || it->typeId() != QMetaType::QByteArray)
-        return std::nullopt;
-    return it->toByteArray();
+    const QVariant* v = find(key, QMetaType::QByteArray);
+    return v ? std::optional(v->toByteArray()) : std::nullopt;
 }
 
 std::optional<QStringList> DefaultsSuite::stringArrayForKey(const QString& key) const
 {
-    const auto it = m_values.constFind(key);
-    if (it == m_values.cend() || it->typeId() != QMetaType::QStringList)
-        return std::nullopt;
-    return it->toStringList();
+    const QVariant* v = find(key, QMetaType::QStringList);
+    return v ? std::optional(v->toStringList()) : std::nullopt;
 }
 
 void DefaultsSuite::setObject(const QVariant& value, const QString& key)

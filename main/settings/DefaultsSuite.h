@@ -36,6 +36,8 @@ public:
 private:
     explicit DefaultsSuite(QString path);
     void load();
+    // The stored value under `key` if it is of that kind.
+    const QVariant* find(const QString& key, int typeId) const;
 
     QString m_path;
     QMap<QString, QVariant> m_values;

@@ -21,15 +21,8 @@ std::unique_ptr<DefaultsSuite> suiteOf(const XSession& x)
 
 QRectF frameOf(XSession& x, const QString& name)
 {
-    QRectF frame;
-    XSession::waitFor([&] {
-        const auto ids = x.windowsNamed("OmbrixWidget " + name);
-        if (ids.size() != 1)
-            return false;
-        frame = appFrame(x.geometryOf(ids.first()));
-        return true;
-    });
-    return frame;
+    const QString id = x.waitForWindow("OmbrixWidget " + name);
+    return id.isEmpty() ? QRectF() : appFrame(x.geometryOf(id));
 }
 
 } // namespace
