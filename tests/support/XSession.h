@@ -14,7 +14,7 @@
 struct XSessionOptions {
     bool tray = false;
     bool composite = false;  // xcompmgr
-    QStringList compositor;  // or any other compositor's command line
+    QStringList compositor = {};  // or any other compositor's command line
 };
 
 class XSession {
