@@ -186,8 +186,11 @@ void VisualEffectView::refresh()
         p.drawImage(QPoint(0, 0), source, QRect(QPoint(pad, pad), area.size()));
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF box(QPointF(0, 0), QSizeF(area.size()));
-    const QPainterPath shape = m_cornerRadius > 0 ? corners::continuousRoundedRect(box, m_cornerRadius * dpr)
-                                                  : [&] { QPainterPath r; r.addRect(box); return r; }();
+    QPainterPath shape;
+    if (m_cornerRadius > 0)
+        shape = corners::continuousRoundedRect(box, m_cornerRadius * dpr);
+    else
+        shape.addRect(box);
     QBrush frosted(blurred(source, sigma));
     frosted.setTransform(QTransform::fromTranslate(-pad, -pad));
     p.fillPath(shape, frosted);
