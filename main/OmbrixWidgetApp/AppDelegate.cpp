@@ -16,6 +16,8 @@
 AppDelegate::AppDelegate(QObject* parent)
     : QObject(parent), m_settings(SettingsManager::shared()), m_engine(std::make_unique<QQmlEngine>())
 {
+    // Our modules' qmldir files sit under qrc:/<URI>/; through them one module uses another's QML types.
+    m_engine->addImportPath("qrc:/");
 }
 
 AppDelegate::~AppDelegate()

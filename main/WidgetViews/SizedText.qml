@@ -16,6 +16,8 @@ Item {
     property alias horizontalAlignment: label.horizontalAlignment
     property alias maximumLineCount: label.maximumLineCount
     readonly property alias font: label.font
+    readonly property alias truncated: label.truncated
+    readonly property alias lineCount: label.lineCount
     readonly property real factor: Number.isInteger(size) ? 1 : 2
 
     implicitWidth: label.implicitWidth / factor
