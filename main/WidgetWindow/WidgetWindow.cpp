@@ -80,7 +80,6 @@ void WidgetWindow::requestGeometry(const QRect& geometry)
 
 bool WidgetWindow::isOwnMove(const QPoint& position)
 {
-
     // A report that never comes (the window manager merged or changed it) stops counting after a while.
     constexpr qint64 forgetAfterMs = 3000;
     const qint64 now = m_clock.elapsed();
