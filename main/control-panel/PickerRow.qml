@@ -14,6 +14,7 @@ RowLayout {
     Layout.fillWidth: true
 
     SizedText {
+        objectName: "label"
         text: root.label
         size: 12.5
         color: Qt.rgba(1, 1, 1, 0.8)
