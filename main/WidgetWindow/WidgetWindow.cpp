@@ -86,9 +86,10 @@ bool WidgetWindow::isOwnMove(const QPoint& position)
     while (!m_ownMoves.isEmpty() && now - m_ownMoves.first().second > forgetAfterMs)
         m_ownMoves.removeFirst();
     // Reports come in the order of the requests: the first match is this one, and those before it
-    // will not come any more.
+    // will not come any more. A pixel apart still matches: on a scaled screen the way to device
+    // pixels and back may round differently.
     for (qsizetype i = 0; i < m_ownMoves.size(); ++i)
-        if (m_ownMoves[i].first == position) {
+        if ((m_ownMoves[i].first - position).manhattanLength() <= 1) {
             m_ownMoves.remove(0, i + 1);
             return true;
         }
