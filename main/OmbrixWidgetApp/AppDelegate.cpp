@@ -16,6 +16,8 @@
 AppDelegate::AppDelegate(QObject* parent)
     : QObject(parent), m_settings(SettingsManager::shared()), m_engine(std::make_unique<QQmlEngine>())
 {
+    // Our modules' qmldir files sit under qrc:/<URI>/; through them one module uses another's QML types.
+    m_engine->addImportPath("qrc:/");
 }
 
 AppDelegate::~AppDelegate()
@@ -99,7 +101,8 @@ void AppDelegate::resizeWidget(const QString& name, const QString& size)
     // The right and bottom edges stay where they are.
     const Rect frame{old.x - (newWidth - old.width), old.y, newWidth, widgets::height};
     window->contentView()->setFrame(Rect{0, 0, newWidth, widgets::height});
-    window->setFrame(frame);
+    // Animated; its move notification comes during the call, so the origin stored next is the one that stays.
+    window->setFrame(frame, true);
     m_settings.setPosition(Position{frame.x, frame.y}, name);
 }
 

@@ -78,7 +78,7 @@ Column {
         width: parent.width
         spacing: 2
 
-        Text {
+        SizedText {
             objectName: "name"
             width: parent.width
             horizontalAlignment: Text.AlignHCenter
@@ -86,8 +86,8 @@ Column {
             textFormat: Text.PlainText
             maximumLineCount: 1
             elide: Text.ElideRight
-            font.pixelSize: root.isSmall ? 12 : 10
-            font.weight: root.isSmall ? Font.DemiBold : Font.Bold
+            size: root.isSmall ? 11.5 : 10
+            weight: root.isSmall ? Font.DemiBold : Font.Bold
             color: root.isSmall ? "white" : root.dimWhite
         }
         Text {

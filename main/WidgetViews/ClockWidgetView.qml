@@ -54,9 +54,11 @@ WidgetContainer {
             ClockHand { objectName: "hourHand"; anchors.fill: parent; angle: clock.hourAngle; lengthFraction: 0.55; thickness: 4.5; color: "white" }
             ClockHand { objectName: "minuteHand"; anchors.fill: parent; angle: clock.minuteAngle; lengthFraction: 0.8; thickness: 3.5; color: "white" }
             ClockHand { objectName: "secondHand"; anchors.fill: parent; angle: clock.secondAngle; lengthFraction: 0.88; thickness: 1.5; color: root.accentRed }
+            // A 9-point disc with its 1.5 stroke centred on the edge: 10.5 across, the border inside that.
             Rectangle {
+                objectName: "hub"
                 anchors.centerIn: parent
-                width: 9; height: 9; radius: 4.5
+                width: 10.5; height: 10.5; radius: 5.25
                 color: root.hubDark
                 border.color: "white"; border.width: 1.5
             }

@@ -127,14 +127,14 @@ WidgetContainer {
                     ColumnLayout {
                         Layout.fillWidth: true
                         spacing: 1
-                        Text {
+                        SizedText {
                             objectName: "source"
                             Layout.fillWidth: true
                             text: music.sourceLabel
-                            font.pixelSize: 10
-                            font.bold: true
-                            font.letterSpacing: 0.8
-                            font.capitalization: Font.AllUppercase
+                            size: 9.5
+                            weight: Font.Bold
+                            letterSpacing: 0.8
+                            capitalization: Font.AllUppercase
                             color: root.dimWhite
                         }
                         Text {

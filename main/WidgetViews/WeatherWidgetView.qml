@@ -18,11 +18,6 @@ WidgetContainer {
                                   : weather.hasWeatherData ? "data" : ""
     property alias model: weather
 
-    // Point sizes that aren't whole pixels go through the point size.
-    function fractionalPixels(size) {
-        return size * 72 / (Screen.logicalPixelDensity * 25.4)
-    }
-
     glowColor: weather.glowColor
 
     WeatherWidgetModel {
@@ -175,11 +170,11 @@ WidgetContainer {
                 ColumnLayout {
                     spacing: 1
 
-                    Text {
+                    SizedText {
                         objectName: "description"
                         text: weather.weatherDescription
-                        font.pointSize: root.fractionalPixels(12.5)
-                        font.weight: Font.Medium
+                        size: 12.5
+                        weight: Font.Medium
                         color: "white"
                     }
                     Text {

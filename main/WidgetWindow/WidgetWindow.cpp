@@ -11,14 +11,14 @@
 
 WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame,
                            bool isClickThrough)
-    : m_widgetName(name), m_contentView(contentView)
+    : m_widgetName(name), m_contentView(contentView), m_frame(initialFrame)
 {
-    setFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus |
-             Qt::NoDropShadowWindowHint);
+    setFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
     QSurfaceFormat fmt = format();
     fmt.setAlphaBufferSize(8);
     setFormat(fmt);
     setColor(Qt::transparent);
+    setHasShadow(true);
     setTitle("OmbrixWidget " + name);
     setGeometry(screen::toQt(initialFrame, screen::primaryHeight()));
     if (m_contentView) {
@@ -36,6 +36,13 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     // so snapping never fights the user's hand.
     m_dragPoll.setInterval(40);
     connect(&m_dragPoll, &QTimer::timeout, this, &WidgetWindow::settleMove);
+
+    m_clock.start();
+    // As short as the original platform's animated frame change of a widget's size.
+    m_frameAnimation.setDuration(150);
+    m_frameAnimation.setEasingCurve(QEasingCurve::InOutQuad);
+    connect(&m_frameAnimation, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& value) { requestGeometry(value.toRect()); });
 }
 
 WidgetWindow::~WidgetWindow() = default;
@@ -45,9 +52,52 @@ void WidgetWindow::setClickThrough(bool enabled)
     setFlag(Qt::WindowTransparentForInput, enabled);
 }
 
-Rect WidgetWindow::frame() const { return screen::fromQt(geometry(), screen::primaryHeight()); }
+void WidgetWindow::setHasShadow(bool enabled) { setFlag(Qt::NoDropShadowWindowHint, !enabled); }
 
-void WidgetWindow::setFrame(const Rect& frame) { setGeometry(screen::toQt(frame, screen::primaryHeight())); }
+Rect WidgetWindow::frame() const { return m_frame; }
+
+void WidgetWindow::setFrame(const Rect& frame, bool animate)
+{
+    const Rect before = m_frame;
+    const QRect target = screen::toQt(frame, screen::primaryHeight());
+    m_frameAnimation.stop();
+    m_frame = frame;
+    if (animate && frame != before) {
+        m_frameAnimation.setStartValue(screen::toQt(before, screen::primaryHeight()));
+        m_frameAnimation.setEndValue(target);
+        m_frameAnimation.start();
+    } else {
+        requestGeometry(target);
+    }
+    // The notification of a change the program makes comes during the call, before the caller's
+    // next step: snapping drops it as its own, and a resize stores its origin after it.
+    if (frame.x != before.x || frame.y != before.y)
+        emit didMove(this);
+}
+
+void WidgetWindow::requestGeometry(const QRect& geometry)
+{
+    m_ownMoves.append({geometry.topLeft(), m_clock.elapsed()});
+    setGeometry(geometry);
+}
+
+bool WidgetWindow::isOwnMove(const QPoint& position)
+{
+    // A report that never comes (the window manager merged or changed it) stops counting after a while.
+    constexpr qint64 forgetAfterMs = 3000;
+    const qint64 now = m_clock.elapsed();
+    while (!m_ownMoves.isEmpty() && now - m_ownMoves.first().second > forgetAfterMs)
+        m_ownMoves.removeFirst();
+    // Reports come in the order of the requests: the first match is this one, and those before it
+    // will not come any more. A pixel apart still matches: on a scaled screen the way to device
+    // pixels and back may round differently.
+    for (qsizetype i = 0; i < m_ownMoves.size(); ++i)
+        if ((m_ownMoves[i].first - position).manhattanLength() <= 1) {
+            m_ownMoves.remove(0, i + 1);
+            return true;
+        }
+    return false;
+}
 
 void WidgetWindow::orderFront()
 {
@@ -93,13 +143,25 @@ void WidgetWindow::mouseReleaseEvent(QMouseEvent* event)
 void WidgetWindow::moveEvent(QMoveEvent* event)
 {
     QQuickWindow::moveEvent(event);
+    if (isOwnMove(event->pos())) {
+        m_lastDelivered.reset();
+        return;
+    }
+    if (m_frameAnimation.state() == QAbstractAnimation::Running)
+        return;
+    m_frame = screen::fromQt(QRect(event->pos(), size()), screen::primaryHeight());
+    // The window manager's placement at creation (pulling a window back on screen, say) is no move.
+    if (!m_placed) {
+        m_lastDelivered = event->pos();
+        return;
+    }
     if (x11::isLeftButtonDown()) {
         if (!m_dragPoll.isActive())
             m_dragPoll.start();
         return;
     }
     m_dragPoll.stop();
-    emit didMove(this);
+    deliverMove();
 }
 
 void WidgetWindow::settleMove()
@@ -107,7 +169,26 @@ void WidgetWindow::settleMove()
     if (x11::isLeftButtonDown())
         return;
     m_dragPoll.stop();
+    deliverMove();
+}
+
+void WidgetWindow::deliverMove()
+{
+    // Back at the place the last notification reported, with only this window's own requests in
+    // between that the window manager answered differently: nothing moved, and answering again
+    // would only ask for the same refused place.
+    const QPoint origin = screen::toQt(m_frame, screen::primaryHeight()).topLeft();
+    if (m_lastDelivered == origin)
+        return;
+    m_lastDelivered = origin;
     emit didMove(this);
+}
+
+void WidgetWindow::exposeEvent(QExposeEvent* event)
+{
+    QQuickWindow::exposeEvent(event);
+    if (isExposed())
+        m_placed = true;
 }
 
 void WidgetWindow::resizeEvent(QResizeEvent* event)

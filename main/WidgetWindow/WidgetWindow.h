@@ -3,8 +3,12 @@
 // dragged by any press on its surface unless it is click-through.
 #include "Geometry.h"
 
+#include <QElapsedTimer>
+#include <QList>
 #include <QQuickWindow>
 #include <QTimer>
+#include <QVariantAnimation>
+#include <optional>
 
 class WidgetHostingView;
 
@@ -28,9 +32,16 @@ public:
     bool canBecomeKey() const { return false; }
     bool canBecomeMain() const { return false; }
 
-    // Frame in app coordinates; setFrame moves and resizes at once, with no animation.
+    // Frame in app coordinates: the one last set, while the window system has yet to confirm it.
+    // setFrame moves and resizes at once or in a short animation. As on the original platform, the
+    // move notification of the program's own change comes during the call; the window system's
+    // later reports of it (and of each animation step) are recognised and dropped.
     Rect frame() const;
-    void setFrame(const Rect& frame);
+    void setFrame(const Rect& frame, bool animate = false);
+
+    // The compositor's drop shadow; asked for at creation.
+    void setHasShadow(bool enabled);
+    bool hasShadow() const { return !flags().testFlag(Qt::NoDropShadowWindowHint); }
 
     void orderFront();
 
@@ -44,9 +55,13 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void exposeEvent(QExposeEvent* event) override;
 
 private:
     void settleMove();
+    void requestGeometry(const QRect& geometry);
+    bool isOwnMove(const QPoint& position);
+    void deliverMove();
     void updateMask();
 
     QString m_widgetName;
@@ -54,4 +69,13 @@ private:
     QTimer m_dragPoll;
     bool m_dragArmed = false;
     QPointF m_pressPosition;
+    // Positions this window asked for whose report hasn't come back yet, with when they were asked.
+    QList<std::pair<QPoint, qint64>> m_ownMoves;
+    QElapsedTimer m_clock;
+    Rect m_frame;
+    // Where the last notification found the window: a report of that same place again is no move.
+    std::optional<QPoint> m_lastDelivered;
+    QVariantAnimation m_frameAnimation;
+    // Until first shown, moves are the window manager's placement, which no one asked to store.
+    bool m_placed = false;
 };

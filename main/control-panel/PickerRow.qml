@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
+import Ombrix.WidgetViews
 
 RowLayout {
     id: root
@@ -12,9 +13,10 @@ RowLayout {
     readonly property var entries: Object.keys(options).sort().map(k => ({ value: k, text: options[k] ?? "" }))
     Layout.fillWidth: true
 
-    Text {
+    SizedText {
+        objectName: "label"
         text: root.label
-        font.pixelSize: 13
+        size: 12.5
         color: Qt.rgba(1, 1, 1, 0.8)
     }
     Item { Layout.fillWidth: true }
@@ -30,9 +32,12 @@ RowLayout {
         currentIndex: root.entries.findIndex(e => e.value === root.selection)
         onActivated: (index) => root.picked(root.entries[index].value)
         font.pixelSize: 11
+        // The control's own padding is the text's margin, so the longest entry, "Liquid Glass
+        // Trasparente", fits the fixed width whole.
+        leftPadding: 10
+        rightPadding: 22
         contentItem: Text {
-            leftPadding: 10
-            rightPadding: 24
+            objectName: "pickerText"
             text: combo.currentIndex >= 0 ? combo.displayText : ""
             font: combo.font
             color: "white"

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Ombrix.WidgetViews
 
 RowLayout {
     id: root
@@ -8,9 +9,10 @@ RowLayout {
     signal toggled(bool value)
     Layout.fillWidth: true
 
-    Text {
+    SizedText {
+        objectName: "label"
         text: root.label
-        font.pixelSize: 13
+        size: 12.5
         color: Qt.rgba(1, 1, 1, 0.8)
     }
     Item { Layout.fillWidth: true }

@@ -16,9 +16,17 @@ Rectangle {
     implicitHeight: column.implicitHeight
     radius: 12
     color: Qt.rgba(1, 1, 1, 0.04)
-    border.color: Qt.rgba(1, 1, 1, 0.04)
-    border.width: 1
     clip: true
+
+    // The outline lies over everything the card holds.
+    Rectangle {
+        anchors.fill: parent
+        z: 1
+        radius: card.radius
+        color: "transparent"
+        border.color: Qt.rgba(1, 1, 1, 0.04)
+        border.width: 1
+    }
 
     ColumnLayout {
         id: column
@@ -52,12 +60,31 @@ Rectangle {
             }
         }
 
-        Rectangle {
+        Item {
             objectName: "options"
             visible: card.enabled
             Layout.fillWidth: true
             implicitHeight: optionsColumn.implicitHeight + 14
-            color: Qt.rgba(0, 0, 0, 0.1)
+            // The shade follows the card's rounded bottom corners (a clip here is only ever square):
+            // a square part above, and below it the lower half of a rounded rectangle.
+            Rectangle {
+                width: parent.width
+                height: parent.height - card.radius
+                color: Qt.rgba(0, 0, 0, 0.1)
+            }
+            Item {
+                y: parent.height - card.radius
+                width: parent.width
+                height: card.radius
+                clip: true
+                Rectangle {
+                    y: -card.radius
+                    width: parent.width
+                    height: 2 * card.radius
+                    radius: card.radius
+                    color: Qt.rgba(0, 0, 0, 0.1)
+                }
+            }
             ColumnLayout {
                 id: optionsColumn
                 x: 14

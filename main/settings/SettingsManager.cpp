@@ -86,6 +86,7 @@ void SettingsManager::setPosition(const std::optional<Position>& position, const
     else
         m_defaults->removeObject(positionKey(name));
     m_defaults->synchronize();
+    emit positionChanged(name);
 }
 
 QString SettingsManager::sharedDataFilePath()

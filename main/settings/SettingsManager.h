@@ -76,6 +76,8 @@ public:
     void setWeatherPosition(const std::optional<Position>& p) { setPosition(p, "weather"); }
     void setBatteryPosition(const std::optional<Position>& p) { setPosition(p, "battery"); }
     void setMusicPosition(const std::optional<Position>& p) { setPosition(p, "music"); }
+    // Every store of a widget's position, written or not.
+    Q_SIGNAL void positionChanged(const QString& name);
 
     // Writes sharedData, with the current clockStyle in the written copy, to widget-data.json.
     Q_INVOKABLE void updateSharedWidgetData();

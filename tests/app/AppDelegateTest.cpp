@@ -2,6 +2,7 @@
 #include "AppDelegate.h"
 #include "Screen.h"
 #include "SettingsManager.h"
+#include "Snapping.h"
 #include "WidgetHostingView.h"
 #include "WidgetWindow.h"
 #include "XSession.h"
@@ -13,6 +14,7 @@
 #include <QTest>
 #include <QQuickWindow>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace {
 
@@ -33,6 +35,62 @@ std::optional<Position> xOrigin(QWindow* w)
     if (!m.hasMatch())
         return std::nullopt;
     return Position{m.captured(1).toDouble(), screen::primaryHeight() - (m.captured(2).toDouble() + m.captured(3).toDouble())};
+}
+
+// Widgets in the registry's walk order, each with its frame; one of them is dropped somewhere.
+struct Arrangement {
+    QMap<QString, Rect> frames;
+    QString moved;
+    Rect drop;
+
+    std::vector<Rect> others() const
+    {
+        std::vector<Rect> r;
+        for (auto it = frames.cbegin(); it != frames.cend(); ++it)
+            if (it.key() != moved)
+                r.push_back(it.value());
+        return r;
+    }
+};
+
+// Random arrangements of two to four widgets, the moved one dropped within 14 of other widgets'
+// edge lines. Half are the rare ones that a second pass of the rules would move again. Every
+// frame, dropped and snapped, stays on screen, where the window manager leaves it alone.
+std::vector<Arrangement> arrangements(size_t count)
+{
+    const Rect V{0, 0, 1440, 900};
+    std::mt19937 rng(15);
+    const auto uniform = [&](int lo, int hi) { return double(std::uniform_int_distribution<int>(lo, hi)(rng)); };
+    const auto onScreen = [&](const Rect& r) {
+        return r.x >= 0 && r.y >= 0 && r.maxX() <= V.maxX() && r.maxY() <= V.maxY();
+    };
+    const QStringList names{"battery", "clock", "music", "weather"};
+    std::vector<Arrangement> again, once;
+    for (int tries = 0; tries < 5'000'000 && again.size() + once.size() < count; ++tries) {
+        Arrangement a;
+        const int n = int(uniform(2, 4));
+        for (int i = 0; i < n; ++i) {
+            const double w = uniform(0, 1) ? 340 : 170;
+            a.frames[names[i]] = Rect{uniform(0, int(V.width - w)), uniform(0, int(V.height - 170)), w, 170};
+        }
+        a.moved = names[int(uniform(0, n - 1))];
+        const Rect ox = a.frames[names[int(uniform(0, n - 1))]];
+        const Rect oy = a.frames[names[int(uniform(0, n - 1))]];
+        a.drop = a.frames[a.moved];
+        const double xs[] = {ox.minX(), ox.maxX() - a.drop.width, ox.maxX(), ox.minX() - a.drop.width};
+        const double ys[] = {oy.minY(), oy.maxY() - a.drop.height, oy.maxY(), oy.minY() - a.drop.height};
+        a.drop.x = xs[int(uniform(0, 3))] + uniform(-14, 14);
+        a.drop.y = ys[int(uniform(0, 3))] + uniform(-14, 14);
+        const Rect first = snapping::snap(a.drop, V, a.others());
+        if (!onScreen(a.drop) || !onScreen(first) || a.drop == a.frames[a.moved])
+            continue;
+        const bool movesAgain = snapping::snap(first, V, a.others()) != first;
+        auto& bucket = movesAgain ? again : once;
+        if (bucket.size() < (movesAgain ? count / 2 : count - count / 2))
+            bucket.push_back(a);
+    }
+    again.insert(again.end(), once.begin(), once.end());
+    return again;
 }
 
 class Registry : public ::testing::Test {
@@ -94,6 +152,76 @@ TEST_F(Registry, ResizeKeepsRightAndBottomEdgesAndStoresTheOrigin)
     app.resizeWidget("battery", "medium");
     EXPECT_FALSE(settings().batteryPosition());
     app.toggleWidget("weather", false);
+}
+
+TEST_F(Registry, AMoveIsSnappedOnceAndStoredOnceAsTheWindowEnds)
+{
+    const Rect V = screen::visibleFrame();
+    ASSERT_EQ(V, (Rect{0, 0, 1440, 900}));
+    const auto cases = arrangements(12);
+    ASSERT_EQ(cases.size(), 12u);
+    for (const Arrangement& a : cases) {
+        SCOPED_TRACE((a.moved + " dropped at " + QString::number(a.drop.x) + "," + QString::number(a.drop.y) +
+                      " among " + QString::number(a.frames.size())).toStdString());
+        for (auto it = a.frames.cbegin(); it != a.frames.cend(); ++it) {
+            settings().setProperty((it.key() + "Size").toLatin1(), it->width == 340 ? "medium" : "small");
+            settings().setPosition(Position{it->x, it->y}, it.key());
+            app.toggleWidget(it.key(), true);
+        }
+        ASSERT_TRUE(XSession::waitFor([&] {
+            for (auto it = a.frames.cbegin(); it != a.frames.cend(); ++it) {
+                WidgetWindow* w = app.widgetWindows().value(it.key());
+                if (!w->isExposed() || xOrigin(w) != Position{it->x, it->y})
+                    return false;
+            }
+            return true;
+        }));
+        int stores = 0;
+        const auto counting = QObject::connect(&settings(), &SettingsManager::positionChanged,
+                                               [&](const QString& name) { stores += name == a.moved; });
+        // Moved by the window manager, as at the end of a drag: the app learns of it only from X.
+        WidgetWindow* w = app.widgetWindows().value(a.moved);
+        tool("xdotool", {"windowmove", QString::number(w->winId()), QString::number(a.drop.x),
+                         QString::number(V.maxY() - a.drop.maxY())});
+        const Rect snapped = snapping::snap(a.drop, V, a.others());
+        const Position once{snapped.x, snapped.y};
+        EXPECT_TRUE(XSession::waitFor([&] { return stores > 0 && xOrigin(w) == once; }, 5000));
+        // The window system's report of the snap comes within this; a second pass would follow it.
+        QTest::qWait(300);
+        EXPECT_EQ(stores, 1);
+        EXPECT_EQ(app.getSavedPosition(a.moved), once);
+        EXPECT_EQ(xOrigin(w), once);
+        EXPECT_EQ(w->frame(), snapped);
+        QObject::disconnect(counting);
+        for (const QString& name : a.frames.keys())
+            app.toggleWidget(name, false);
+    }
+}
+
+TEST_F(Registry, NeitherTheStartNorAResizeNextToANeighbourStoresAnyOriginButTheResizes)
+{
+    // Off every screen: the window manager shows it where it can, and nothing rewrites it.
+    settings().setPosition(Position{3000, 2000}, "battery");
+    settings().setPosition(Position{155, 500}, "weather");
+    settings().setPosition(Position{500, 300}, "clock");
+    int stores = 0;
+    QObject::connect(&settings(), &SettingsManager::positionChanged, &app, [&] { ++stores; });
+    for (const QString name : {"battery", "weather", "clock"})
+        app.toggleWidget(name, true);
+    WidgetWindow* clock = app.widgetWindows().value("clock");
+    WidgetWindow* battery = app.widgetWindows().value("battery");
+    ASSERT_TRUE(XSession::waitFor([&] { return battery->isExposed() && xOrigin(clock) == Position{500, 300}; }));
+    QTest::qWait(300);
+    EXPECT_EQ(stores, 0);
+    EXPECT_EQ(settings().batteryPosition(), (Position{3000, 2000}));
+
+    // Grown to medium the clock's left edge, 330, comes 5 from the weather's right edge: its move
+    // snaps it there, and the origin the resize works out is still the one stored.
+    app.resizeWidget("clock", "medium");
+    EXPECT_EQ(settings().clockPosition(), (Position{330, 300}));
+    EXPECT_TRUE(XSession::waitFor([&] { return xOrigin(clock) == Position{325, 300}; }));
+    QTest::qWait(300);
+    EXPECT_EQ(settings().clockPosition(), (Position{330, 300}));
 }
 
 TEST_F(Registry, MoveToTheSamePlaceStoresWithoutAFrameChange)

@@ -1,4 +1,5 @@
 #include "ControlPanelModel.h"
+#include "PixelChecks.h"
 #include "SettingsManager.h"
 #include "ViewHarness.h"
 #include "XSession.h"
@@ -29,6 +30,7 @@ bool near(const QColor& c, const QColor& want, int tolerance = 12)
     return std::abs(c.red() - want.red()) <= tolerance && std::abs(c.green() - want.green()) <= tolerance &&
            std::abs(c.blue() - want.blue()) <= tolerance;
 }
+
 
 } // namespace
 
@@ -62,6 +64,24 @@ TEST(ControlPanelView, WidgetsTabLooksAndOpensCardsOnlyWhileOn)
     auto* logo = view.find<QQuickItem>("logo");
     const QPoint logoTop = logo->mapToItem(view.root(), QPointF(4, 4)).toPoint();
     EXPECT_TRUE(near(on.pixelColor(logoTop), QColor(0, 122, 255), 30)) << on.pixelColor(logoTop).name().toStdString();
+
+    // The options' shade stops at the card's rounded corner: there the panel shows, as beside the card.
+    const QPoint corner = clockCard->mapToItem(view.root(), QPointF(1, clockCard->height() - 2)).toPoint();
+    const QPoint beside = clockCard->mapToItem(view.root(), QPointF(-6, clockCard->height() - 2)).toPoint();
+    EXPECT_NEAR(brightness(on, QRect(corner, QSize(1, 1))), brightness(on, QRect(beside, QSize(1, 1))), 2);
+    // The card's symbol is an 18-point glyph, 21 across (its dim white, off, is steady to measure);
+    // the rows' labels are at 12.5.
+    const QRect iconBox(clockCard->mapToItem(view.root(), QPointF(14, 14)).toPoint(), QSize(38, 38));
+    const QRect icon = boundsOf(off, iconBox, [](const QColor& c) { return qGray(c.rgb()) > 130; });
+    EXPECT_NEAR(icon.width(), 21, 1.5);
+    EXPECT_NEAR(icon.height(), 21, 1.5);
+    for (const char* row : {"clickThrough-clock", "size-clock"}) {
+        auto* label = view.find<QQuickItem>(row)->findChild<QQuickItem*>("label");
+        EXPECT_NEAR(betweenWholeSizes(label->property("font").value<QFont>(), 12, label->property("text").toString(),
+                                      label->implicitWidth()),
+                    0.5, 0.2)
+            << row;
+    }
 }
 
 TEST(ControlPanelView, PickersListKeysInAscendingOrder)
@@ -117,6 +137,7 @@ TEST(ControlPanelView, OnlyTheCheckboxItselfFlipsIt)
 TEST(ControlPanelView, SettingsTabKeepsStateAcrossTabSwitches)
 {
     resetStore();
+    SettingsManager::shared().setGlassTheme("transparent");
     SettingsManager::shared().saveWeatherSettings(WeatherSettings{true, "Roma, Italia", 41.9, 12.5});
     ViewHarness view(kUrl, 420, 600);
     ASSERT_TRUE(view.root()) << view.errors().toStdString();
@@ -134,6 +155,10 @@ TEST(ControlPanelView, SettingsTabKeepsStateAcrossTabSwitches)
     EXPECT_TRUE(near(img.pixelColor(save->mapToItem(view.root(), QPointF(3, save->height() / 2)).toPoint()),
                      QColor(0, 122, 255)));
     EXPECT_EQ(view.find<QQuickItem>("saveLabel")->property("text").toString(), "Salva");
+    // The theme picker's longest entry fits its fixed width.
+    auto* theme = view.find<QQuickItem>("theme")->findChild<QQuickItem*>("pickerText");
+    EXPECT_EQ(theme->property("text").toString(), "Liquid Glass Trasparente");
+    EXPECT_FALSE(theme->property("truncated").toBool());
     model->setManualCity("Napoli");
     model->setActiveTab("widgets");
     model->setActiveTab("settings");

@@ -38,6 +38,7 @@ ViewHarness::ViewHarness(const QString& url, int width, int height)
     m_window->setFormat(fmt);
     m_window->setColor(Qt::transparent);
     m_window->resize(width, height);
+    m_engine.addImportPath("qrc:/");
     QQmlComponent component(&m_engine, QUrl(url));
     m_root = qobject_cast<QQuickItem*>(component.create());
     if (!m_root) {

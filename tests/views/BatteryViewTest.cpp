@@ -2,6 +2,7 @@
 #include "BatteryRingArc.h"
 #include "BatteryWidgetModel.h"
 #include "HueChecks.h"
+#include "PixelChecks.h"
 #include "SettingsManager.h"
 #include "ViewHarness.h"
 #include "XSession.h"
@@ -166,7 +167,9 @@ TEST_F(BatteryViewTest, SmallRingFollowsTheComputersBattery)
 
             EXPECT_EQ(hueOf(img.pixelColor(85, 164)), c.glow);
             EXPECT_EQ(view.find<QQuickItem>("status")->property("text").toString(), c.status);
-            EXPECT_EQ(view.find<QQuickItem>("name")->property("text").toString(), kComputer);
+            auto* name = view.find<QQuickItem>("name");
+            EXPECT_EQ(name->property("text").toString(), kComputer);
+            EXPECT_NEAR(betweenWholeSizes(name->property("font").value<QFont>(), 11, kComputer, name->implicitWidth()), 0.5, 0.2);
         }
 }
 

@@ -5,6 +5,7 @@
 #include "MusicScripts.h"
 #include "MusicVisualizerModel.h"
 #include "MusicWidgetModel.h"
+#include "PixelChecks.h"
 #include "RoundedShadow.h"
 #include "SettingsManager.h"
 #include "ViewHarness.h"
@@ -218,8 +219,20 @@ TEST_F(MusicViewTest, ThreeCasesBothSourcesBothThemes)
             // Above the symbol, inside the circle: the source colour.
             EXPECT_TRUE(nearColor(img.pixelColor(230, 117), sourceColor)) << img.pixelColor(230, 117).name().toStdString();
             EXPECT_TRUE(nearColor(img.pixelColor(230, 147), sourceColor));
-            EXPECT_EQ(view.find<QQuickItem>("source")->property("text").toString(),
-                      look.source == "spotify" ? "Spotify" : "Apple Music");
+            auto* source = view.find<QQuickItem>("source");
+            EXPECT_EQ(source->property("text").toString(), look.source == "spotify" ? "Spotify" : "Apple Music");
+            EXPECT_NEAR(betweenWholeSizes(source->property("font").value<QFont>(), 9, source->property("text").toString(),
+                                          source->implicitWidth(), 0.8),
+                        0.5, 0.2);
+            // The glyphs as large as those of 12 and 14 point fonts, white on the dark glass.
+            if (look.theme == "opaque") {
+                const QRect previous = boundsOf(img, QRect(162, 116, 32, 32), bright);
+                const QRect playPause = boundsOf(img, QRect(210, 112, 40, 40), bright);
+                EXPECT_NEAR(previous.width(), 19, 2);
+                EXPECT_NEAR(previous.height(), 11, 2);
+                EXPECT_NEAR(playPause.width(), 22, 2);
+                EXPECT_NEAR(playPause.height(), 13, 2);
+            }
         }
     }
     // The glow rises from the bottom edge only while playing: pink for Apple Music.

@@ -84,13 +84,14 @@ TEST(Symbol, EveryNameDrawsInItsTint) {
         Symbol item;
         item.setName(name);
         item.setColor(tint);
-        item.setPointSize(48);
+        item.setPointSize(36);
         item.setSize(QSizeF(64, 64));
         const Coverage c = coverage(paintItem(item, QSize(64, 64)), tint);
         EXPECT_GT(c.opaque, 40);
         EXPECT_EQ(c.wrongColour, 0);
-        // 48 centred in 64 leaves an 8 px margin the glyph never reaches.
-        EXPECT_TRUE(QRect(8, 8, 48, 48).contains(c.bounds))
+        // Centred, and never past the glyph's own box.
+        const QSizeF box = Symbol::glyphSize(name, 36);
+        EXPECT_TRUE(QRectF(QPointF(32 - box.width() / 2, 32 - box.height() / 2), box).toAlignedRect().contains(c.bounds))
             << c.bounds.x() << "," << c.bounds.y() << " " << c.bounds.width() << "x" << c.bounds.height();
     }
 }
@@ -109,22 +110,39 @@ TEST(Symbol, UnknownNamesDrawNothing) {
     }
 }
 
-TEST(Symbol, SizeIsTheImplicitSize) {
-    Symbol item;
-    EXPECT_EQ(item.color(), QColor(Qt::white));
-    QSignalSpy spy(&item, &Symbol::sizeChanged);
-    for (const qreal size : {12.0, 14.0, 18.0, 7.5, 40.0}) {
-        item.setPointSize(size);
-        EXPECT_EQ(item.implicitWidth(), size);
-        EXPECT_EQ(item.implicitHeight(), size);
+TEST(Symbol, IsAsLargeAsAGlyphOfItsPointSize) {
+    // The drawn glyph of the places that name a point size: the transport buttons, a ring's icon,
+    // a card's icon. Fitted into an N-pixel square instead, the first is 10x6.
+    const struct {
+        const char* name;
+        qreal size;
+        QSize ink;
+    } cases[] = {
+        {"backward.fill", 12, {19, 11}},
+        {"playpause.fill", 14, {22, 13}},
+        {"laptopcomputer", 14, {19, 13}},
+        {"clock", 18, {21, 21}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Symbol item;
+        QSignalSpy spy(&item, &Symbol::sizeChanged);
+        item.setName(c.name);
+        item.setPointSize(c.size);
+        EXPECT_EQ(spy.count(), 1);
+        // The item's own size is the glyph's box, whatever the drawing in it.
+        EXPECT_EQ(QSizeF(item.implicitWidth(), item.implicitHeight()), Symbol::glyphSize(c.name, c.size));
+        item.setSize(QSizeF(48, 48));
+        const QRect ink = coverage(paintItem(item, QSize(48, 48)), Qt::white).bounds;
+        EXPECT_NEAR(ink.width(), c.ink.width(), 1) << ink.width() << "x" << ink.height();
+        EXPECT_NEAR(ink.height(), c.ink.height(), 1) << ink.width() << "x" << ink.height();
     }
-    EXPECT_EQ(spy.count(), 5);
 }
 
 TEST(Symbol, ChangesRepaintWithTheNewValue) {
     Symbol item;
     item.setName("square");
-    item.setPointSize(24);
+    item.setPointSize(20);
     item.setSize(QSizeF(24, 24));
     QSignalSpy names(&item, &Symbol::nameChanged);
     QSignalSpy colours(&item, &Symbol::colorChanged);
@@ -141,8 +159,8 @@ TEST(Symbol, ChangesRepaintWithTheNewValue) {
     const QImage grid = paintItem(item, QSize(24, 24));
     EXPECT_GT(coverage(grid, Qt::red).opaque, coverage(first, Qt::white).opaque);
 
-    item.setPointSize(12);
-    EXPECT_LT(coverage(paintItem(item, QSize(24, 24)), Qt::red).bounds.width(), 14);
+    item.setPointSize(8);
+    EXPECT_LT(coverage(paintItem(item, QSize(24, 24)), Qt::red).bounds.width(), 10);
     EXPECT_EQ(names.count(), 1);
     EXPECT_EQ(colours.count(), 1);
 }
@@ -202,8 +220,7 @@ TEST(Symbol, IsAnElementOfTheViewsModule) {
     ASSERT_TRUE(symbol);
     EXPECT_EQ(symbol->name(), "bolt.fill");
     EXPECT_EQ(symbol->color(), QColor(255, 214, 10));
-    EXPECT_EQ(symbol->implicitWidth(), 14);
-    EXPECT_EQ(symbol->implicitHeight(), 14);
+    EXPECT_EQ(QSizeF(symbol->implicitWidth(), symbol->implicitHeight()), Symbol::glyphSize("bolt.fill", 14));
 }
 
 // Every glyph white on a dark ground with its name, kept as an artefact to look at.
@@ -222,7 +239,7 @@ TEST(Symbol, ContactSheet) {
         const QRect box((i % columns) * cell, (i / columns) * cell, cell, cell);
         Symbol item;
         item.setName(kNames[i]);
-        item.setPointSize(glyph);
+        item.setPointSize(glyph / Symbol::emPerGrid);
         item.setSize(QSizeF(glyph, glyph));
         p.save();
         p.translate(box.x() + (cell - glyph) / 2, box.y() + 20);
