@@ -54,4 +54,6 @@ private:
     QTimer m_dragPoll;
     bool m_dragArmed = false;
     QPointF m_pressPosition;
+    bool m_ownDrag = false;
+    QPointF m_dragOffset;
 };
