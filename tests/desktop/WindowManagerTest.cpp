@@ -78,8 +78,11 @@ TEST_P(WindowManager, WidgetStaysBelowUnfocusedOnEveryDesktop)
         other = x.run("xdotool", {"search", "--onlyvisible", "--class", "xmessage"}).split('\n', Qt::SkipEmptyParts).value(0);
         return !other.isEmpty();
     }));
-    x.run("xdotool", {"mousemove", "1200", "350", "click", "1"});
-    ASSERT_TRUE(XSession::waitFor([&] { return activeWindow(x) == hexId(other); }, 5000)) << activeWindow(x).toStdString();
+    // Clicked until the manager has it in place and focused.
+    ASSERT_TRUE(XSession::waitFor([&] {
+        x.run("xdotool", {"mousemove", "1200", "350", "click", "1"});
+        return XSession::waitFor([&] { return activeWindow(x) == hexId(other); }, 500);
+    }, 10000)) << x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"}).toStdString() << other.toStdString() << x.run("xwininfo", {"-id", other}).toStdString();
     EXPECT_TRUE(isAbove(x, other, widget));
 
     // A click on the widget's uncovered top, then a drag of it.
