@@ -108,6 +108,14 @@ void lowerWindow(QWindow* window)
     xcb_flush(c);
 }
 
+bool displayReachable()
+{
+    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
+    const bool ok = !xcb_connection_has_error(c);
+    xcb_disconnect(c);
+    return ok;
+}
+
 bool isLeftButtonDown()
 {
     xcb_connection_t* c = connection();

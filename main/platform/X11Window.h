@@ -19,6 +19,9 @@ void showOnAllDesktops(QWindow* window);
 // Puts the window at the bottom of the stack; for windows no manager keeps below.
 void lowerWindow(QWindow* window);
 
+// Whether an X server answers on $DISPLAY; usable before the application object exists.
+bool displayReachable();
+
 // Whether the left button is held right now, asked of the X server (also while the window manager
 // holds the pointer during a move).
 bool isLeftButtonDown();
