@@ -71,6 +71,7 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     QApplication::setApplicationName("OmbrixWidget");
     QApplication::setApplicationVersion(OMBRIX_VERSION);
+    QApplication::setDesktopFileName("com.ombrixwidget.OmbrixWidget");
     QApplication::setQuitOnLastWindowClosed(false);
     instance.listen();
 
