@@ -103,6 +103,7 @@ TEST_P(WindowManager, WidgetStaysBelowUnfocusedOnEveryDesktop)
         moved = x.geometryOf(widget);
         return stored && stored->x == moved.x() && stored->y == 900 - moved.bottom() - 1;
     }, 5000));
+    x.grabScreen().save(artifactsDir() + "/wm-" + QString::fromStdString(GetParam()) + ".png");
     EXPECT_TRUE(isAbove(x, other, widget)) << "after a drag";
     EXPECT_EQ(activeWindow(x), hexId(other)) << "after a drag";
 
