@@ -65,8 +65,8 @@ void applyWidgetHints(QWindow* window)
     if (!c || !window)
         return;
     const auto w = xcb_window_t(window->winId());
-    // Input hint false and no WM_TAKE_FOCUS: the "no input" model, so a click never moves the
-    // focus here (xfwm4 and i3 otherwise hand a globally active window the focus on a click).
+    // Input hint false and no WM_TAKE_FOCUS: the ICCCM "no input" model, so no manager offers this
+    // window the focus on a click (with WM_TAKE_FOCUS it would count as globally active).
     setAtoms(c, w, "WM_PROTOCOLS", {"WM_DELETE_WINDOW", "_NET_WM_PING"});
     setAtoms(c, w, "_NET_WM_STATE",
              {"_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_BELOW"});
@@ -84,8 +84,8 @@ void showOnAllDesktops(QWindow* window)
     xcb_connection_t* c = connection();
     if (!c || !window)
         return;
-    // Once mapped, the desktop is asked of the manager (KWin keeps a new window of a group on the
-    // group's desktop whatever the property says).
+    // Once mapped, the desktop is asked of the manager: KWin ignores the property set before
+    // mapping and puts the window on the current desktop.
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
