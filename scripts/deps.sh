@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs, from Debian, whatever the build, the app and the tests need and this machine lacks.
+# Installs, from Debian, whatever the build and the app need and this machine lacks; with --tests
+# also what only the tests use (the window managers of the desktop matrix, the entry validators).
 set -euo pipefail
 pkgs=(
   build-essential cmake ninja-build pkg-config git
@@ -14,6 +15,9 @@ pkgs=(
   zsh
   ca-certificates
 )
+if [ "${1:-}" = --tests ]; then
+  pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 desktop-file-utils appstream)
+fi
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")

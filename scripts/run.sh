@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds and starts OmbrixWidget. With no display it makes a virtual one,
-# saves a screenshot of it a few seconds after start, prints where, and runs until interrupted.
+# Installs what is missing, builds the program alone (tests are built by scripts/test.sh) and starts
+# it. With no display it makes a virtual one, saves a screenshot of it a few seconds after start,
+# prints where, and runs until interrupted.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
-bash scripts/build.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+targets=(OmbrixWidget)
+[ -n "${DISPLAY:-}" ] || targets+=(ombrix-screenshot)
+cmake --build build -j"$(nproc)" --target "${targets[@]}"
 if [ -z "${DISPLAY:-}" ]; then
   source scripts/xsession.sh
   OMBRIX_TRAY=1 OMBRIX_COMPOSITE=1 ombrix_start_x

@@ -2,7 +2,7 @@
 # Installs what is missing, builds and runs every test under a private virtual display.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/deps.sh
+bash scripts/deps.sh --tests
 bash scripts/build.sh
 source scripts/xsession.sh
 ombrix_start_x

@@ -1,9 +1,9 @@
 // The tray item and the Control Panel window.
 #include "AppDelegate.h"
 
+#include "AppIcon.h"
 #include "ControlPanelModel.h"
 #include "Screen.h"
-#include "Symbol.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -19,7 +19,9 @@
 void AppDelegate::setupStatusBarItem()
 {
     m_statusBarItem = new QSystemTrayIcon(this);
-    m_statusBarItem->setIcon(Symbol::icon("circle.grid.2x2.fill", Qt::white, 22));
+    // Our coloured mark rather than a white glyph: it reads on light and dark panels alike.
+    m_statusBarItem->setIcon(appicon::icon());
+    QGuiApplication::setWindowIcon(appicon::icon());
     m_statusBarItem->setToolTip("OmbrixWidget");
     m_statusMenu = std::make_unique<QMenu>();
     QAction* show = m_statusMenu->addAction("Mostra Control Panel", this, &AppDelegate::showControlPanel);

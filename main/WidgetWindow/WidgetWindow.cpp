@@ -13,7 +13,9 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
                            bool isClickThrough)
     : m_widgetName(name), m_contentView(contentView), m_frame(initialFrame)
 {
-    setFlags(Qt::FramelessWindowHint | Qt::Tool | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
+    // A plain window, not a tool: Qt makes tools transient for the app's group, and xfwm4 then
+    // raises them with the group on a click.
+    setFlags(Qt::FramelessWindowHint | Qt::Window | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
     QSurfaceFormat fmt = format();
     fmt.setAlphaBufferSize(8);
     setFormat(fmt);
@@ -25,6 +27,10 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
         m_contentView->setParentItem(contentItem());
         m_contentView->setParent(this);
     }
+    // Under a manager that floats every window it manages above the tiled ones, the widget is left
+    // unmanaged and moves and stays below by itself.
+    if (x11::windowManagerTilesEverything())
+        setFlag(Qt::X11BypassWindowManagerHint);
     setClickThrough(isClickThrough);
     create();
     x11::applyWidgetHints(this);
@@ -103,6 +109,9 @@ void WidgetWindow::orderFront()
 {
     showNormal();
     // Shown without taking focus: the window never becomes key.
+    x11::showOnAllDesktops(this);
+    if (flags().testFlag(Qt::X11BypassWindowManagerHint))
+        x11::lowerWindow(this);
 }
 
 void WidgetWindow::mousePressEvent(QMouseEvent* event)
@@ -122,6 +131,10 @@ void WidgetWindow::mousePressEvent(QMouseEvent* event)
 void WidgetWindow::mouseMoveEvent(QMouseEvent* event)
 {
     QQuickWindow::mouseMoveEvent(event);
+    if (m_ownDrag && (event->buttons() & Qt::LeftButton)) {
+        setPosition((event->globalPosition() - m_dragOffset).toPoint());
+        return;
+    }
     // The move is handed to the window manager only once the pointer really travels: a plain
     // click must never leave it waiting for a release that has already happened.
     if (!m_dragArmed || !(event->buttons() & Qt::LeftButton))
@@ -130,13 +143,20 @@ void WidgetWindow::mouseMoveEvent(QMouseEvent* event)
     constexpr double dragStart = 3;
     if ((event->globalPosition() - m_pressPosition).manhattanLength() < dragStart)
         return;
+    if (flags().testFlag(Qt::X11BypassWindowManagerHint)) {
+        // No manager to hand the move to: the window follows the pointer itself.
+        m_dragOffset = m_pressPosition - QPointF(position());
+        m_ownDrag = true;
+    } else {
+        startSystemMove();
+    }
     m_dragArmed = false;
-    startSystemMove();
 }
 
 void WidgetWindow::mouseReleaseEvent(QMouseEvent* event)
 {
     m_dragArmed = false;
+    m_ownDrag = false;
     QQuickWindow::mouseReleaseEvent(event);
 }
 

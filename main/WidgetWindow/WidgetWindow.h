@@ -78,4 +78,6 @@ private:
     QVariantAnimation m_frameAnimation;
     // Until first shown, moves are the window manager's placement, which no one asked to store.
     bool m_placed = false;
+    bool m_ownDrag = false;
+    QPointF m_dragOffset;
 };

@@ -1,8 +1,10 @@
 #include "ControlPanelModel.h"
 
+#include "Autostart.h"
 #include "SettingsManager.h"
 #include "WeatherMonitor.h"
 
+#include <QCoreApplication>
 #include <QQuickWindow>
 
 
@@ -33,6 +35,18 @@ void ControlPanelModel::appear()
     m_manualCity = w.city;
     emit weatherAutoModeChanged();
     emit manualCityChanged();
+}
+
+void ControlPanelModel::setLaunchAtLogin(bool enabled)
+{
+    autostart::setEnabled(enabled, QCoreApplication::applicationFilePath());
+    refreshLaunchAtLogin();
+}
+
+void ControlPanelModel::refreshLaunchAtLogin()
+{
+    m_launchAtLogin = autostart::isEnabled();
+    emit launchAtLoginChanged();
 }
 
 void ControlPanelModel::setManualCity(const QString& city)

@@ -18,6 +18,7 @@ class ControlPanelModel : public QObject {
     Q_PROPERTY(QString geoStatusText READ geoStatusText NOTIFY geoStatusChanged)
     Q_PROPERTY(QColor geoStatusColor READ geoStatusColor NOTIFY geoStatusChanged)
     Q_PROPERTY(bool searchInProgress READ searchInProgress NOTIFY searchInProgressChanged)
+    Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
 
 public:
     using ToggleCallback = std::function<void(const QString& name, bool enabled)>;
@@ -42,6 +43,11 @@ public:
     QString geoStatusText() const { return m_geoStatusText; }
     QColor geoStatusColor() const { return m_geoStatusColor; }
     bool searchInProgress() const { return m_searchInProgress; }
+    // Start at login: read from the autostart entry, which the switch writes or removes.
+    bool launchAtLogin() const { return m_launchAtLogin; }
+    void setLaunchAtLogin(bool enabled);
+    // Reads the entry again, for when it was changed outside the panel.
+    Q_INVOKABLE void refreshLaunchAtLogin();
 
     // The panel came on screen: the location controls take the stored values.
     Q_INVOKABLE void appear();
@@ -67,6 +73,7 @@ signals:
     void manualCityChanged();
     void geoStatusChanged();
     void searchInProgressChanged();
+    void launchAtLoginChanged();
 
 private:
     void setGeoStatus(const QString& text, const QColor& color);
@@ -78,6 +85,7 @@ private:
     QString m_geoStatusText;
     QColor m_geoStatusColor = systemGray;
     bool m_searchInProgress = false;
+    bool m_launchAtLogin = false;
     ToggleCallback m_onToggleWidget;
     ResizeCallback m_onResizeWidget;
     ToggleCallback m_onClickThroughChanged;

@@ -47,6 +47,27 @@ ColumnLayout {
         }
     }
 
+    Heading { text: "Sistema"; Layout.topMargin: 10 }
+    Box {
+        // The entry may change outside the panel: read it each time the tab comes into view.
+        readonly property bool inView: tab.visible && Window.active
+        onInViewChanged: if (inView) tab.model.refreshLaunchAtLogin()
+        RowLayout {
+            Layout.fillWidth: true
+            ColumnLayout {
+                spacing: 2
+                Text { text: "Avvia all'accesso"; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
+                Text { text: "Riapre i widget quando accedi"; font.pixelSize: 11; color: Qt.rgba(1, 1, 1, 0.4) }
+            }
+            Item { Layout.fillWidth: true }
+            PanelSwitch {
+                objectName: "launchAtLogin"
+                checked: tab.model.launchAtLogin
+                onToggled: (v) => tab.model.launchAtLogin = v
+            }
+        }
+    }
+
     Heading { text: "Configura il meteo"; Layout.topMargin: 10 }
     Box {
         RowLayout {

@@ -15,9 +15,9 @@ xcb_connection_t* connection()
     return x ? x->connection() : nullptr;
 }
 
-xcb_atom_t atom(xcb_connection_t* c, const char* name)
+xcb_atom_t atom(xcb_connection_t* c, const char* name, bool onlyIfExists = false)
 {
-    auto cookie = xcb_intern_atom(c, 0, uint16_t(qstrlen(name)), name);
+    auto cookie = xcb_intern_atom(c, onlyIfExists ? 1 : 0, uint16_t(qstrlen(name)), name);
     xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(c, cookie, nullptr);
     if (!reply)
         return XCB_ATOM_NONE;
@@ -26,7 +26,38 @@ xcb_atom_t atom(xcb_connection_t* c, const char* name)
     return a;
 }
 
+xcb_window_t rootOf(xcb_connection_t* c)
+{
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+    return screen ? screen->root : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+void setAtoms(xcb_connection_t* c, xcb_window_t w, const char* property, std::initializer_list<const char*> names)
+{
+    std::vector<xcb_atom_t> atoms;
+    for (const char* n : names)
+        atoms.push_back(atom(c, n));
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, property), XCB_ATOM_ATOM, 32, uint32_t(atoms.size()),
+                        atoms.data());
+}
+
 } // namespace
+
+bool windowManagerTilesEverything()
+{
+    xcb_connection_t* c = connection();
+    if (!c)
+        return false;
+    // i3 announces its IPC socket on the root window; no other manager sets this property.
+    const xcb_atom_t socketPath = atom(c, "I3_SOCKET_PATH", true);
+    if (socketPath == XCB_ATOM_NONE)
+        return false;
+    auto* reply = xcb_get_property_reply(
+        c, xcb_get_property(c, 0, rootOf(c), socketPath, XCB_GET_PROPERTY_TYPE_ANY, 0, 0), nullptr);
+    const bool present = reply && reply->type != XCB_ATOM_NONE;
+    free(reply);
+    return present;
+}
 
 void applyWidgetHints(QWindow* window)
 {
@@ -34,12 +65,11 @@ void applyWidgetHints(QWindow* window)
     if (!c || !window)
         return;
     const auto w = xcb_window_t(window->winId());
-    std::vector<xcb_atom_t> states;
-    for (const char* s : {"_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER",
-                          "_NET_WM_STATE_BELOW"})
-        states.push_back(atom(c, s));
-    xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, "_NET_WM_STATE"), XCB_ATOM_ATOM, 32,
-                        uint32_t(states.size()), states.data());
+    // Input hint false and no WM_TAKE_FOCUS: the ICCCM "no input" model, so no manager offers this
+    // window the focus on a click (with WM_TAKE_FOCUS it would count as globally active).
+    setAtoms(c, w, "WM_PROTOCOLS", {"WM_DELETE_WINDOW", "_NET_WM_PING"});
+    setAtoms(c, w, "_NET_WM_STATE",
+             {"_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_BELOW"});
     const uint32_t allDesktops = 0xFFFFFFFF;
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, "_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1,
                         &allDesktops);
@@ -49,16 +79,49 @@ void applyWidgetHints(QWindow* window)
     xcb_flush(c);
 }
 
+void showOnAllDesktops(QWindow* window)
+{
+    xcb_connection_t* c = connection();
+    if (!c || !window)
+        return;
+    // Once mapped, the desktop is asked of the manager: KWin ignores the property set before
+    // mapping and puts the window on the current desktop.
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = xcb_window_t(window->winId());
+    event.type = atom(c, "_NET_WM_DESKTOP");
+    event.data.data32[0] = 0xFFFFFFFF;
+    event.data.data32[1] = 2; // source: a pager-like request, honoured without timestamps
+    xcb_send_event(c, 0, rootOf(c), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+    xcb_flush(c);
+}
+
+void lowerWindow(QWindow* window)
+{
+    xcb_connection_t* c = connection();
+    if (!c || !window)
+        return;
+    const uint32_t below = XCB_STACK_MODE_BELOW;
+    xcb_configure_window(c, xcb_window_t(window->winId()), XCB_CONFIG_WINDOW_STACK_MODE, &below);
+    xcb_flush(c);
+}
+
+bool displayReachable()
+{
+    xcb_connection_t* c = xcb_connect(nullptr, nullptr);
+    const bool ok = !xcb_connection_has_error(c);
+    xcb_disconnect(c);
+    return ok;
+}
+
 bool isLeftButtonDown()
 {
     xcb_connection_t* c = connection();
     if (!c)
         return false;
-    const xcb_setup_t* setup = xcb_get_setup(c);
-    const xcb_screen_t* screen = xcb_setup_roots_iterator(setup).data;
-    if (!screen)
-        return false;
-    xcb_query_pointer_reply_t* reply = xcb_query_pointer_reply(c, xcb_query_pointer(c, screen->root), nullptr);
+    xcb_query_pointer_reply_t* reply = xcb_query_pointer_reply(c, xcb_query_pointer(c, rootOf(c)), nullptr);
     if (!reply)
         return false;
     const bool down = reply->mask & XCB_BUTTON_MASK_1;

@@ -4,9 +4,23 @@ class QWindow;
 
 namespace x11 {
 
-// On every workspace, out of the taskbar and pager, below ordinary windows; asks a KDE compositor
-// to blur what lies behind. Call after create() and before the window is first shown.
+// On every workspace, out of the taskbar and pager, below ordinary windows, never given the focus;
+// asks a KDE compositor to blur what lies behind. Call after create() and after every flag change
+// (Qt rewrites the window type and protocols then).
 void applyWidgetHints(QWindow* window);
+
+// True under a tiling manager (i3) that would tile or float-and-raise any window it manages: there
+// a widget must bypass the manager and carry out its own drag and stacking.
+bool windowManagerTilesEverything();
+
+// Asks the manager to keep a mapped window on every desktop.
+void showOnAllDesktops(QWindow* window);
+
+// Puts the window at the bottom of the stack; for windows no manager keeps below.
+void lowerWindow(QWindow* window);
+
+// Whether an X server answers on $DISPLAY; usable before the application object exists.
+bool displayReachable();
 
 // Whether the left button is held right now, asked of the X server (also while the window manager
 // holds the pointer during a move).

@@ -12,9 +12,11 @@ namespace {
 // Places in the 420 by 600 panel, which opens at (510, 150) on the 1440x900 screen.
 const QPoint kPanel(510, 150);
 const QPoint kSettingsTab = kPanel + QPoint(180, 95);
-const QPoint kCityField = kPanel + QPoint(170, 396);
-const QPoint kSaveButton = kPanel + QPoint(349, 396);
-const QRect kStatusLine(kPanel + QPoint(24, 412), QSize(300, 30));
+// The "Sistema" box above the weather box moves its controls down by kSystemBox.
+const int kSystemBox = 118;
+const QPoint kCityField = kPanel + QPoint(170, 396 + kSystemBox);
+const QPoint kSaveButton = kPanel + QPoint(349, 396 + kSystemBox);
+const QRect kStatusLine(kPanel + QPoint(24, 412 + kSystemBox), QSize(300, 30));
 
 void click(XSession& x, QPoint p)
 {
@@ -64,10 +66,10 @@ TEST(CitySearchEndToEnd, SavedCityIsStoredShownAndFeedsTheWeather)
 
     click(x, kSettingsTab);
     QThread::msleep(400);
-    // The automatic-location switch is the only switch on this tab: turn it off.
+    // The automatic-location switch, below the start-at-login one: turn it off.
     const QImage tab = x.grabScreen();
     tab.save(artifactsDir() + "/city-search-settings-tab.png");
-    click(x, kPanel + QPoint(363, 325));
+    click(x, kPanel + QPoint(363, 325 + kSystemBox));
     EXPECT_TRUE(XSession::waitFor([&] { return storedWeather(x) && storedWeather(x)->useManual; }));
 
     click(x, kCityField);

@@ -64,8 +64,8 @@ XSession::XSession(XSessionOptions options)
     if (!number.contains('\n'))
         return;
     m_display = ":" + QString::fromLatin1(number.trimmed());
-    startHelper("openbox", {});
-    waitFor([&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); }, 10000);
+    startWindowManager(options.windowManager);
+    waitFor([&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); }, 15000);
     if (options.tray)
         startHelper("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
     if (options.composite)
@@ -100,10 +100,33 @@ QProcessEnvironment XSession::environment() const
     return env;
 }
 
-void XSession::startHelper(const QString& program, const QStringList& args)
+void XSession::startWindowManager(const QString& name)
+{
+    if (name == "i3") {
+        // Its own config, so no first-run wizard; the test's normal windows float like dialogs.
+        QFile config(m_home.path() + "/i3.conf");
+        config.open(QIODevice::WriteOnly);
+        config.write("# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
+        config.close();
+        startHelper("i3", {"-c", config.fileName()});
+    } else if (name == "kwin_x11") {
+        // No compositing on a virtual display.
+        QProcessEnvironment env;
+        env.insert("KWIN_COMPOSE", "N");
+        startHelper("kwin_x11", {}, env);
+    } else if (name == "xfwm4") {
+        startHelper("xfwm4", {"--compositor=off"});
+    } else {
+        startHelper(name, {});
+    }
+}
+
+void XSession::startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra)
 {
     auto p = std::make_unique<QProcess>();
-    p->setProcessEnvironment(environment());
+    QProcessEnvironment env = environment();
+    env.insert(extra);
+    p->setProcessEnvironment(env);
     p->setStandardOutputFile(QProcess::nullDevice());
     p->setStandardErrorFile(QProcess::nullDevice());
     p->start(program, args);

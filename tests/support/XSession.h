@@ -1,5 +1,5 @@
 #pragma once
-// A private X display for one test: Xvfb (1440x900) with openbox, and on request a tray host and a
+// A private X display for one test: Xvfb (1440x900) with openbox (or another window manager), and on request a tray host and a
 // compositor; plus the app started inside it with its own HOME, and outside views of its windows.
 #include <QImage>
 #include <QProcess>
@@ -15,6 +15,8 @@ struct XSessionOptions {
     bool tray = false;
     bool composite = false;  // xcompmgr
     QStringList compositor = {};  // or any other compositor's command line
+    // openbox, fluxbox, xfwm4, i3 or kwin_x11.
+    QString windowManager = "openbox";
 };
 
 class XSession {
@@ -51,7 +53,8 @@ public:
     static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 15000);
 
 private:
-    void startHelper(const QString& program, const QStringList& args);
+    void startWindowManager(const QString& name);
+    void startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra = {});
 
     QTemporaryDir m_home;
     QString m_display;
