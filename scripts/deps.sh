@@ -10,13 +10,13 @@ pkgs=(
   qml6-module-qtquick-shapes qml6-module-qtquick-window qml6-module-qtquick-layouts
   qml6-module-qtqml-workerscript qml6-module-qtqml
   libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb openbox trayer xcompmgr picom feh xdotool x11-utils x11-xserver-utils dbus dbus-x11
+  xvfb openbox trayer xcompmgr xdotool x11-utils x11-xserver-utils dbus dbus-x11
   fonts-noto-color-emoji fonts-dejavu-core
   zsh
   ca-certificates
 )
 if [ "${1:-}" = --tests ]; then
-  pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 desktop-file-utils appstream)
+  pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 desktop-file-utils appstream picom feh)
 fi
 missing=()
 for p in "${pkgs[@]}"; do
