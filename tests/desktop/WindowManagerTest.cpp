@@ -56,7 +56,7 @@ class WindowManager : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(WindowManager, WidgetStaysBelowUnfocusedOnEveryDesktop)
 {
-    XSession x(XSessionOptions{false, false, QString::fromStdString(GetParam())});
+    XSession x(XSessionOptions{.windowManager = QString::fromStdString(GetParam())});
     ASSERT_TRUE(x.ok());
     {
         auto suite = DefaultsSuite::open(SettingsManager::suiteName, x.configDir());
