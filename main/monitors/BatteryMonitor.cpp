@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 #include <array>
+#include <functional>
+#include <string_view>
 
 namespace {
 
@@ -43,7 +45,7 @@ const std::array<QRegularExpression, 3>& namePatterns()
 }
 
 // Group 1 of the first match as a signed 64-bit number, or nothing.
-std::optional<qint64> firstNumber(const QRegularExpression& re, const QString& text)
+std::optional<qint64> firstNumber(const QRegularExpression& re, QStringView text)
 {
     const auto match = re.match(text);
     if (!match.hasMatch())
@@ -54,11 +56,29 @@ std::optional<qint64> firstNumber(const QRegularExpression& re, const QString& t
     return ok ? std::optional(value) : std::nullopt;
 }
 
-QString firstLine(const QString& block)
+QStringView firstLine(QStringView block)
 {
     static const QRegularExpression lineBreak(QStringLiteral("[\\n\\v\\f\\r\\x{85}\\x{2028}\\x{2029}]"));
-    const qsizetype end = block.indexOf(lineBreak);
-    return end < 0 ? block : block.left(end);
+    const auto match = lineBreak.match(block);
+    return match.hasMatch() ? block.first(match.capturedStart()) : block;
+}
+
+// Qt's substring search visits every character; these scans run over the whole listing at every
+// poll, so they look for a rare first character (a vectorised scan) or skip ahead by the key's length.
+qsizetype indexOfMarker(QStringView text, qsizetype from)
+{
+    for (qsizetype i = text.indexOf(u'+', from); i >= 0; i = text.indexOf(u'+', i + 1))
+        if (text.sliced(i).startsWith(u"+-o"))
+            return i;
+    return -1;
+}
+
+bool hasBatteryPercent(QStringView block)
+{
+    static constexpr std::u16string_view key = u"BatteryPercent";
+    static const std::boyer_moore_horspool_searcher searcher(key.begin(), key.end());
+    const char16_t* end = block.utf16() + block.size();
+    return std::search(block.utf16(), end, searcher) != end;
 }
 
 bool isServiceClassName(const QString& name)
@@ -67,7 +87,7 @@ bool isServiceClassName(const QString& name)
            name == QLatin1String("AppleBluetoothHIDDevice") || name == QLatin1String("AppleDeviceBluetoothHIDDriver");
 }
 
-std::optional<BatteryDevice> parseBlock(const QString& block, bool hasMarker)
+std::optional<BatteryDevice> parseBlock(QStringView block, bool hasMarker)
 {
     QString name;
     for (const QRegularExpression& re : namePatterns()) {
@@ -79,7 +99,7 @@ std::optional<BatteryDevice> parseBlock(const QString& block, bool hasMarker)
     }
     const qint64 percent = firstNumber(batteryPercentPattern(), block).value_or(100);
     if (name.isEmpty() && hasMarker) {
-        const auto match = headerPattern().match(QLatin1String("+-o") + firstLine(block));
+        const auto match = headerPattern().match(QLatin1String("+-o") + firstLine(block).toString());
         if (match.hasMatch())
             name = match.captured(1).trimmed();
     }
@@ -140,16 +160,22 @@ BatteryDevice BatteryMonitor::parseInternalBattery(const QString& pmsetText)
 
 QList<BatteryDevice> BatteryMonitor::parseAccessories(const QString& ioregText)
 {
+    // Blocks are views into the text, so a large listing is read without copying it.
     QList<BatteryDevice> devices;
-    const QStringList blocks = ioregText.split(QLatin1String("+-o"));
-    for (qsizetype i = 0; i < blocks.size(); ++i) {
-        if (!blocks[i].contains(QLatin1String("BatteryPercent")))
-            continue;
+    const QStringView text(ioregText);
+    constexpr QStringView marker(u"+-o");
+    qsizetype start = 0;
+    for (bool hasMarker = false;; hasMarker = true) {
+        const qsizetype next = indexOfMarker(text, start);
+        const QStringView block = text.sliced(start, (next < 0 ? text.size() : next) - start);
         // The piece ahead of the first marker had no marker, so it has no header line.
-        if (const auto device = parseBlock(blocks[i], i > 0))
-            devices.append(*device);
+        if (hasBatteryPercent(block))
+            if (const auto device = parseBlock(block, hasMarker))
+                devices.append(*device);
+        if (next < 0)
+            return devices;
+        start = next + marker.size();
     }
-    return devices;
 }
 
 QString BatteryMonitor::deviceType(const QString& name)
