@@ -1,5 +1,7 @@
 #include "SettingsManager.h"
 
+#include "AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QQmlEngine>
@@ -103,9 +105,8 @@ void SettingsManager::updateSharedWidgetData()
     const auto bytes = copy.encode();
     if (!bytes)
         return;
-    QFile f(path);
-    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        f.write(*bytes);
+    // Replaced whole, so a full disk leaves the last snapshot rather than an empty file.
+    atomicfile::replace(path, *bytes);
 }
 
 std::optional<QString> SettingsManager::configString(const QString& key) const
