@@ -97,9 +97,11 @@ TEST(WeatherReplies, NamesFromEitherServiceAreCutToWhatAScreenShows)
     const QByteArray name(100000, 'x');
     const QString cut(outside::maxTextLength, 'x');
     const auto ip = IPLocation::decode(R"({"lat":1,"lon":2,"city":")" + name + R"(","country":")" + name + "\"}");
+    ASSERT_TRUE(decodes(ip)) << std::get<WeatherError>(ip).detail.toStdString();
     EXPECT_EQ(std::get<IPLocation>(ip), (IPLocation{1, 2, cut, cut}));
     const auto geo = GeocodingResponse::decode(R"({"results":[{"name":")" + name +
-                                               R"(","latitude":1,"longitude":2,"country":")" + name + "\"}]})");
+                                               R"(","latitude":1,"longitude":2,"country":")" + name + "\"}]}");
+    ASSERT_TRUE(decodes(geo)) << std::get<WeatherError>(geo).detail.toStdString();
     EXPECT_EQ(std::get<GeocodingResponse>(geo).results->first(), (GeocodingResponse::Result{cut, 1, 2, cut}));
 }
 
