@@ -105,8 +105,10 @@ WidgetContainer {
             }
             Text {
                 objectName: "digitalCity"
-                Layout.alignment: Qt.AlignHCenter
-                Layout.maximumWidth: parent.width
+                // The column's width, never the text's, decides the line: a long name is cut.
+                Layout.fillWidth: true
+                Layout.preferredWidth: 0
+                horizontalAlignment: Text.AlignHCenter
                 elide: Text.ElideRight
                 text: clock.city
                 textFormat: Text.PlainText
