@@ -25,6 +25,7 @@ WidgetContainer {
 
         // Analog: the dial with its hands, and the city and date inside it at small size.
         Item {
+            id: dial
             objectName: "analog"
             visible: root.isAnalog
             Layout.fillWidth: true
@@ -36,7 +37,11 @@ WidgetContainer {
                 anchors.centerIn: parent
                 spacing: 2
                 Text {
+                    objectName: "analogCity"
                     anchors.horizontalCenter: parent.horizontalCenter
+                    // Within the ring of ticks.
+                    width: Math.min(implicitWidth, dial.width * 0.7)
+                    elide: Text.ElideRight
                     text: clock.city
                     textFormat: Text.PlainText
                     font.pixelSize: 9; font.bold: true; font.letterSpacing: 0.3
@@ -101,7 +106,12 @@ WidgetContainer {
                 }
             }
             Text {
-                Layout.alignment: Qt.AlignHCenter
+                objectName: "digitalCity"
+                // The column's width, never the text's, decides the line: a long name is cut.
+                Layout.fillWidth: true
+                Layout.preferredWidth: 0
+                horizontalAlignment: Text.AlignHCenter
+                elide: Text.ElideRight
                 text: clock.city
                 textFormat: Text.PlainText
                 font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5

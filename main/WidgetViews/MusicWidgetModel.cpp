@@ -1,6 +1,7 @@
 #include "MusicWidgetModel.h"
 
 #include "MusicMonitor.h"
+#include "OutsideData.h"
 #include "SettingsManager.h"
 
 #include <QNetworkAccessManager>
@@ -117,11 +118,13 @@ void MusicWidgetModel::extractAverageColor(const std::optional<QString>& address
     QNetworkRequest request(url);
     request.setTransferTimeout(downloadTimeoutMs);
     QNetworkReply* reply = m_network->get(request);
+    outside::limitBody(reply, outside::maxArtworkBytes);
     // Downloads may overlap; whichever ends last wins. The status is not looked at: a body that
     // decodes as an image is used, anything else changes nothing.
     connect(reply, &QNetworkReply::finished, this, [this, reply] {
         reply->deleteLater();
-        const QImage picture = QImage::fromData(reply->readAll());
+        // A reply cut off for its size is closed, with nothing to read.
+        const QImage picture = reply->isOpen() ? QImage::fromData(reply->readAll()) : QImage();
         if (!picture.isNull()) {
             setImage(picture);
             if (const auto color = averageColor(picture))

@@ -2,8 +2,12 @@
 
 WidgetHostingView::WidgetHostingView(QQuickItem* rootView) : m_rootView(rootView)
 {
-    if (m_rootView)
+    if (m_rootView) {
+        // The QObject parent, not only the visual one: the view tree, its models, timers and
+        // requests go with the window when a widget is switched off.
+        m_rootView->setParent(this);
         m_rootView->setParentItem(this);
+    }
 }
 
 void WidgetHostingView::setFrame(const Rect& frame)

@@ -137,6 +137,8 @@ ColumnLayout {
                     objectName: "geoStatus"
                     visible: tab.model.geoStatusText !== ""
                     Layout.topMargin: 2
+                    Layout.fillWidth: true
+                    elide: Text.ElideRight
                     text: tab.model.geoStatusText
                     textFormat: Text.PlainText
                     font.pixelSize: 11; font.weight: Font.Medium

@@ -1,6 +1,7 @@
 #include "BatteryMonitor.h"
 
 #include "ChildProcess.h"
+#include "OutsideData.h"
 
 #include <QRegularExpression>
 #include <array>
@@ -105,6 +106,7 @@ std::optional<BatteryDevice> parseBlock(QStringView block, bool hasMarker)
     }
     if (isServiceClassName(name) || name.isEmpty())
         return std::nullopt;
+    name = outside::cutText(name);
     const QString id = QString(name).replace(' ', '-').toLower();
     return BatteryDevice{id, name, percent, false, BatteryMonitor::deviceType(name)};
 }
@@ -140,7 +142,7 @@ QList<BatteryDevice> BatteryMonitor::getBatteryDevices()
 QString BatteryMonitor::getComputerName()
 {
     const QString name = m_source->computerName();
-    return name.isEmpty() ? QStringLiteral("MacBook") : name;
+    return name.isEmpty() ? QStringLiteral("MacBook") : outside::cutText(name);
 }
 
 QList<BatteryDevice> BatteryMonitor::parseBatteryDevices(const QString& pmsetText, const QString& ioregText)

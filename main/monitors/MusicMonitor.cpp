@@ -1,6 +1,7 @@
 #include "MusicMonitor.h"
 
 #include "MusicScripts.h"
+#include "OutsideData.h"
 
 MusicMonitor& MusicMonitor::shared()
 {
@@ -40,11 +41,11 @@ std::optional<MusicData> MusicMonitor::playingOn(const QString& app)
     if (pieces.size() < 4)
         return std::nullopt;
     MusicData data;
-    data.track = pieces[0];
-    data.artist = pieces[1];
-    if (app == musicscript::spotify && !pieces[2].isEmpty())
+    data.track = outside::cutText(pieces[0]);
+    data.artist = outside::cutText(pieces[1]);
+    if (app == musicscript::spotify && !pieces[2].isEmpty() && pieces[2].size() <= outside::maxAddressLength)
         data.artwork = pieces[2];
-    data.source = pieces[3];
+    data.source = outside::cutText(pieces[3]);
     data.playing = true;
     return data;
 }

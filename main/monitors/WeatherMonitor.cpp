@@ -1,5 +1,6 @@
 #include "WeatherMonitor.h"
 
+#include "OutsideData.h"
 #include "SettingsManager.h"
 
 #include <QNetworkReply>
@@ -144,6 +145,10 @@ void WeatherMonitor::get(Service service, const QByteArray& path, const std::opt
     QNetworkRequest request(*url);
     request.setTransferTimeout(m_transferTimeout);
     QNetworkReply* reply = m_network.get(request);
+    outside::limitBody(reply, outside::maxReplyBytes);
+    // A caller that goes away (a widget switched off) takes its request with it.
+    if (context)
+        QObject::connect(context, &QObject::destroyed, reply, &QNetworkReply::abort);
     QObject::connect(reply, &QNetworkReply::finished, reply, [reply, deliver] {
         reply->deleteLater();
         if (arrivedWhole(reply))

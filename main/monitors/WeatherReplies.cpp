@@ -1,6 +1,7 @@
 #include "WeatherReplies.h"
 
 #include "JsonRead.h"
+#include "OutsideData.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -52,7 +53,7 @@ WeatherResult<GeocodingResponse::Result> decodeResult(const QJsonValue& v)
                                                              {"longitude", longitude.has_value()},
                                                              {"country", country.has_value()}}))
         return *err;
-    return GeocodingResponse::Result{*name, *latitude, *longitude, *country};
+    return GeocodingResponse::Result{outside::cutText(*name), *latitude, *longitude, outside::cutText(*country)};
 }
 
 WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& o)
@@ -104,7 +105,7 @@ WeatherResult<IPLocation> IPLocation::decode(const QByteArray& body)
                                                {"city", city.has_value()},
                                                {"country", country.has_value()}}))
         return *err;
-    return IPLocation{*lat, *lon, *city, *country};
+    return IPLocation{*lat, *lon, outside::cutText(*city), outside::cutText(*country)};
 }
 
 WeatherResult<GeocodingResponse> GeocodingResponse::decode(const QByteArray& body)

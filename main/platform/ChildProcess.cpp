@@ -2,6 +2,8 @@
 
 #include <QProcess>
 #include <QStringDecoder>
+#include <csignal>
+#include <unistd.h>
 
 namespace childprocess {
 
@@ -13,6 +15,8 @@ std::optional<QByteArray> run(const QString& program, const QStringList& args, C
     else
         process.setStandardErrorFile(QProcess::nullDevice());
     process.setStandardInputFile(QProcess::nullDevice());
+    // A group of its own, so a hung tool started by a shell can be ended along with the shell.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
     process.start(program, args, QIODevice::ReadOnly);
     if (!process.waitForStarted(-1))
         return std::nullopt;
@@ -20,6 +24,7 @@ std::optional<QByteArray> run(const QString& program, const QStringList& args, C
     // blocks on a full pipe.
     process.waitForFinished(timeoutMs);
     if (process.state() != QProcess::NotRunning) {
+        ::kill(-pid_t(process.processId()), SIGKILL);
         process.kill();
         process.waitForFinished(-1);
         return std::nullopt;

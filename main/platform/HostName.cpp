@@ -9,9 +9,6 @@
 namespace hostname {
 namespace {
 
-// Bounded, unlike the battery tools: without a system bus hostnamectl may wait for one.
-constexpr int hostnamectlTimeoutMs = 3000;
-
 QString unquoted(const QString& value)
 {
     if (value.size() >= 2 && value.front() == '\'' && value.back() == '\'')
@@ -55,7 +52,7 @@ QString prettyHostName(const QString& machineInfo)
     const QString tool = QStandardPaths::findExecutable("hostnamectl");
     if (tool.isEmpty())
         return {};
-    const auto out = childprocess::run(tool, {"--pretty"}, childprocess::Channels::OutputOnly, hostnamectlTimeoutMs);
+    const auto out = childprocess::run(tool, {"--pretty"}, childprocess::Channels::OutputOnly);
     const auto text = out ? childprocess::decodeUtf8(*out) : std::nullopt;
     return text ? text->trimmed() : QString();
 }

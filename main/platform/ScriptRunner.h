@@ -1,6 +1,8 @@
 #pragma once
 // Runs AppleScript texts: the one operation the music monitor needs of the system. Where the
 // machine has osascript it does the work; elsewhere MPRIS players answer the same texts.
+#include "ChildProcess.h"
+
 #include <QString>
 #include <memory>
 #include <optional>
@@ -20,7 +22,7 @@ class OsascriptRunner : public ScriptRunner {
 public:
     // A script that has not ended by then is killed and counts as failed, so a hung player
     // cannot hold the GUI for ever.
-    static constexpr int defaultTimeoutMs = 10000;
+    static constexpr int defaultTimeoutMs = childprocess::timeLimitMs;
 
     explicit OsascriptRunner(QString program, int timeoutMs = defaultTimeoutMs);
     std::optional<QString> run(const QString& script) override;

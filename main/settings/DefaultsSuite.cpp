@@ -1,15 +1,20 @@
 #include "DefaultsSuite.h"
 
+#include "AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 namespace {
+
+// The largest value of each kind the app ever stores is a few hundred bytes (a weather location,
+// four device names); anything far past that is damage, and would cost every start its reading.
+constexpr qsizetype maxLineBytes = 64 * 1024;
 
 QString configRoot(const QString& configDir)
 {
@@ -101,7 +106,7 @@ void DefaultsSuite::load()
     // One value per line: a truncated or damaged line is skipped and the others still load.
     while (!f.atEnd()) {
         const QByteArray raw = f.readLine().trimmed();
-        if (raw.isEmpty())
+        if (raw.isEmpty() || raw.size() > maxLineBytes)
             continue;
         const auto doc = QJsonDocument::fromJson(raw);
         if (!doc.isObject())
@@ -168,9 +173,6 @@ bool DefaultsSuite::synchronize()
         out += QJsonDocument(encodeLine(it.key(), it.value())).toJson(QJsonDocument::Compact);
         out += '\n';
     }
-    QSaveFile f(m_path);
-    if (!f.open(QIODevice::WriteOnly))
-        return false;
-    f.write(out);
-    return f.commit();
+    // On failure the values stay in memory, so the next successful save writes them all.
+    return atomicfile::replace(m_path, out);
 }

@@ -28,7 +28,8 @@ public:
     // Takes bool, QString, QByteArray or QStringList; any other kind is dropped.
     void setObject(const QVariant& value, const QString& key);
     void removeObject(const QString& key);
-    // Writes the whole suite atomically; false when the write failed.
+    // Writes the whole suite atomically; false when the write failed, the file then as it was and
+    // the values kept here for the next call.
     bool synchronize();
 
     QString filePath() const { return m_path; }

@@ -3,16 +3,20 @@
 #include "Screen.h"
 #include "SettingsManager.h"
 #include "Snapping.h"
+#include "WeatherFixtures.h"
 #include "WidgetHostingView.h"
 #include "WidgetWindow.h"
 #include "XSession.h"
 
 #include <QMouseEvent>
+#include <QPointer>
 #include <QProcess>
 #include <QRasterWindow>
 #include <QRegularExpression>
 #include <QTest>
 #include <QQuickWindow>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -129,6 +133,48 @@ TEST_F(Registry, ToggleTwiceMakesOneWindowAndOffRemovesIt)
     // An unknown name stores its key and opens nothing.
     app.toggleWidget("calendar", true);
     EXPECT_TRUE(app.widgetWindows().isEmpty());
+}
+
+TEST_F(Registry, SwitchedOffWidgetsLeaveNothingBehind)
+{
+    // A weather service that takes every request and never answers: each weather view leaves one
+    // request in flight when it is switched off.
+    QTcpServer silent;
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
+    QList<QPointer<QTcpSocket>> connections;
+    QObject::connect(&silent, &QTcpServer::newConnection, [&] {
+        while (QTcpSocket* c = silent.nextPendingConnection())
+            connections << c;
+    });
+    pointWeatherServicesAt(QString("http://127.0.0.1:%1").arg(silent.serverPort()));
+
+    QList<QPointer<QObject>> made;
+    for (int cycle = 0; cycle < 25; ++cycle) {
+        for (const QString name : {"clock", "weather", "battery", "music"}) {
+            app.toggleWidget(name, true);
+            WidgetWindow* w = app.widgetWindows().value(name);
+            ASSERT_TRUE(w && w->contentView()->rootView());
+            QCoreApplication::processEvents();
+            QQuickItem* root = w->contentView()->rootView();
+            made << w << w->contentView() << root;
+            for (QObject* o : root->findChildren<QObject*>())
+                made << o;
+            app.toggleWidget(name, false);
+        }
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(std::count_if(made.cbegin(), made.cend(), [](const auto& p) { return !p.isNull(); }), 0);
+    EXPECT_GE(made.size(), 25 * 4 * 3); // window, hosting view, view tree and what it made
+    // Every request in flight went with its view: the server sees each connection closed.
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            return !connections.isEmpty() && std::all_of(connections.cbegin(), connections.cend(), [](const auto& c) {
+                return c->state() == QAbstractSocket::UnconnectedState;
+            });
+        },
+        10000))
+        << connections.size() << " connections";
+    pointWeatherServicesAt("");
 }
 
 TEST_F(Registry, ResizeKeepsRightAndBottomEdgesAndStoresTheOrigin)

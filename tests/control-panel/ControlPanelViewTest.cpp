@@ -1,7 +1,9 @@
 #include "ControlPanelModel.h"
 #include "PixelChecks.h"
+#include "ReplayServer.h"
 #include "SettingsManager.h"
 #include "ViewHarness.h"
+#include "WeatherFixtures.h"
 #include "XSession.h"
 
 #include <QTest>
@@ -166,4 +168,28 @@ TEST(ControlPanelView, SettingsTabKeepsStateAcrossTabSwitches)
     model->setWeatherAutoMode(true);
     view.grab();
     EXPECT_FALSE(view.find<QQuickItem>("citySection")->isVisible());
+}
+
+TEST(ControlPanelView, ALongStatusLineEndsInAnEllipsisInsideThePanel)
+{
+    resetStore();
+    ReplayServer server;
+    ASSERT_TRUE(server.listen());
+    pointWeatherServicesAt(server.baseUrl());
+    const QByteArray name = QByteArray("Llanfairpwllgwyngyll ").repeated(12).trimmed();
+    server.setJson("/v1/search",
+                   R"({"results":[{"name":")" + name + R"(","latitude":53.2,"longitude":-4.2,"country":"Regno Unito"}]})");
+    ViewHarness view(kUrl, 420, 600);
+    ASSERT_TRUE(view.root()) << view.errors().toStdString();
+    auto* model = view.root()->property("model").value<ControlPanelModel*>();
+    model->setActiveTab("settings");
+    model->setWeatherAutoMode(false);
+    model->setManualCity("Llanfairpwllgwyngyll");
+    model->saveManualLocation();
+    ASSERT_TRUE(XSession::waitFor([&] { return !model->searchInProgress(); }, 10000));
+    view.grab().save(artifactsDir() + "/panel-long-status.png");
+    auto* status = view.find<QQuickItem>("geoStatus");
+    EXPECT_TRUE(status->property("truncated").toBool());
+    EXPECT_LE(status->mapRectToScene(QRectF(0, 0, status->width(), status->height())).right(), 420 - 20);
+    pointWeatherServicesAt("");
 }

@@ -1,6 +1,7 @@
 #include "BatteryFixtures.h"
 #include "BatteryMonitor.h"
 #include "FakePowerSupplyTree.h"
+#include "OutsideData.h"
 #include "SettingsManager.h"
 
 #include <QDir>
@@ -147,6 +148,8 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
          {accessory("magic-mouse", "Magic Mouse", 80, "mouse"), accessory("apple-watch", "Apple Watch", 50, "watch"),
           accessory("magic-mouse", "Magic Mouse", 20, "mouse")}},
         {"an accessory named MacBook", accessoryBlock("MacBook", 50), {accessory("macbook", "MacBook", 50, "accessory")}},
+        {"a name longer than any screen is cut", accessoryBlock(QString(5000, 'N'), 50),
+         {accessory(QString(outside::maxTextLength, 'n'), QString(outside::maxTextLength, 'N'), 50, "accessory")}},
         {"names keep their case and non-ASCII letters", accessoryBlock(QString::fromUtf8("Über Maus"), 50),
          {accessory(QString::fromUtf8("über-maus"), QString::fromUtf8("Über Maus"), 50, "accessory")}},
     };
@@ -260,7 +263,8 @@ TEST(BatteryMonitor, ShellDrainsLargeOutput)
 TEST(BatteryMonitor, ComputerNameFallsBackToMacBook)
 {
     FakeBatteryScope scope;
-    const QList<std::pair<QString, QString>> cases = {{"", "MacBook"}, {"Mac di Anna", "Mac di Anna"}};
+    const QList<std::pair<QString, QString>> cases = {
+        {"", "MacBook"}, {"Mac di Anna", "Mac di Anna"}, {QString(5000, 'A'), QString(outside::maxTextLength, 'A')}};
     for (const auto& [given, expected] : cases) {
         scope.texts->name = given;
         EXPECT_EQ(BatteryMonitor::shared().getComputerName(), expected);

@@ -1,6 +1,7 @@
 #include "FakeScriptRunner.h"
 #include "MusicMonitor.h"
 #include "MusicScripts.h"
+#include "OutsideData.h"
 
 #include <gtest/gtest.h>
 
@@ -82,6 +83,11 @@ TEST(MusicMonitor, NowPlayingReadsTheFirstPlayerThatPlays)
         {"title holding the separator shifts the fields", "A|||B|||C|||art|||spotify", "",
          record("A", "B", "C", "art"), 1},
         {"nothing is trimmed", " Song |||Band |||u|||spotify\n", "", record(" Song ", "Band ", "u", "spotify\n"), 1},
+        {"outside texts cut, never inside a surrogate pair; an overlong address dropped",
+         QString(outside::maxTextLength - 1, 't') + QString::fromUtf8("\U0001F3B5") + "|||" + QString(9000, 'a') + "|||" +
+             QString(outside::maxAddressLength + 1, 'u') + "|||" + QString(9000, 's'),
+         "", record(QString(outside::maxTextLength - 1, 't'), QString(outside::maxTextLength, 'a'), {},
+                    QString(outside::maxTextLength, 's')), 1},
         {"pieces beyond the fourth ignored", "t|||a|||u|||spotify|||extra", "", record("t", "a", "u", "spotify"), 1},
     };
     for (const auto& c : cases) {

@@ -3,9 +3,14 @@
 #include "SettingsManager.h"
 #include "WeatherFixtures.h"
 
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -62,6 +67,31 @@ std::optional<WeatherError::Kind> errorKind(const WeatherResult<T>& r)
 const QByteArray forecastTail =
     "&current=temperature_2m,weathercode,windspeed_10m,relativehumidity_2m,apparent_temperature"
     "&daily=weathercode,temperature_2m_max,temperature_2m_min&timezone=auto&forecast_days=5 HTTP/1.1";
+
+// `head`, then `size` bytes of `fill`, then `tail`, written a megabyte at a time so the test's own
+// memory stays small.
+bool writeLarge(const QString& path, const QByteArray& head, qint64 size, char fill, const QByteArray& tail)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly) || f.write(head) != head.size())
+        return false;
+    const QByteArray block(1 << 20, fill);
+    for (qint64 left = size; left > 0; left -= block.size())
+        if (f.write(block.left(std::min<qint64>(left, block.size()))) < 0)
+            return false;
+    return f.write(tail) == tail.size();
+}
+
+qint64 peakResidentKiB()
+{
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong();
+    return -1;
+}
 
 class WeatherMonitorTest : public ::testing::Test {
 protected:
@@ -281,4 +311,52 @@ TEST_F(WeatherMonitorTest, CallsOverlapAndEachAnswersOnce)
     QCoreApplication::processEvents();
     EXPECT_EQ(answers, 5);
     EXPECT_EQ(server.requestLines().size(), 5);
+}
+
+TEST(WeatherMonitorLimits, HugeRepliesAreRefusedWhileReadingAndTheLoopKeepsTicking)
+{
+    // Served from a process of its own, so only what this process reads counts.
+    QTemporaryDir dir;
+    const qint64 tenMiB = 10 << 20;
+    ASSERT_TRUE(writeLarge(dir.filePath("ip.json"), R"({"lat":45.46,"lon":9.19,"country":"Italia","city":")", tenMiB,
+                           'M', R"("})"));
+    ASSERT_TRUE(writeLarge(dir.filePath("geo.json"),
+                           R"({"results":[{"latitude":45.46,"longitude":9.19,"country":"Italia","name":")", tenMiB,
+                           'M', R"("}]})"));
+    ASSERT_TRUE(writeLarge(dir.filePath("huge.json"), "", 100 << 20, ' ', "{}"));
+    QFile routes(dir.filePath("replies.json"));
+    ASSERT_TRUE(routes.open(QIODevice::WriteOnly));
+    routes.write(R"({"/json/":{"file":"ip.json"},"/v1/search":{"file":"geo.json"},
+                    "/v1/forecast":{"file":"huge.json"},
+                    "/unannounced/v1/forecast":{"file":"huge.json","announceLength":false}})");
+    routes.close();
+    QProcess server;
+    server.start(qEnvironmentVariable("OMBRIX_BUILD_DIR") + "/tests/support/ombrix-replay-server",
+                 {dir.path(), dir.filePath("port"), dir.filePath("requests.log")});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(dir.filePath("port")); }, 10000));
+    QFile portFile(dir.filePath("port"));
+    ASSERT_TRUE(portFile.open(QIODevice::ReadOnly));
+    const QString base = "http://127.0.0.1:" + QString::fromLatin1(portFile.readAll().trimmed());
+
+    qint64 longestGapMs = 0;
+    QElapsedTimer sinceTick;
+    QTimer tick;
+    tick.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&tick, &QTimer::timeout, [&] { longestGapMs = std::max(longestGapMs, sinceTick.restart()); });
+    sinceTick.start();
+    tick.start(10);
+
+    pointWeatherServicesAt(base);
+    EXPECT_EQ(errorKind(ipLocation()), WeatherError::Kind::Transport);
+    EXPECT_EQ(errorKind(search("Milano")), WeatherError::Kind::Transport);
+    EXPECT_EQ(errorKind(forecast(45, 9)), WeatherError::Kind::Transport);
+    pointWeatherServicesAt(base + "/unannounced"); // cut off while reading, not by its header
+    EXPECT_EQ(errorKind(forecast(45, 9)), WeatherError::Kind::Transport);
+    pointWeatherServicesAt("");
+    tick.stop();
+
+    EXPECT_LT(longestGapMs, 100);
+    EXPECT_LT(peakResidentKiB(), 120 * 1024);
+    server.kill();
+    server.waitForFinished(3000);
 }

@@ -1,4 +1,5 @@
 #include "WeatherReplies.h"
+#include "OutsideData.h"
 #include "WeatherFixtures.h"
 
 #include <gtest/gtest.h>
@@ -89,6 +90,19 @@ TEST(WeatherReplies, GeocodingResultsAndTheirAbsence)
     }
     const auto milano = std::get<GeocodingResponse>(GeocodingResponse::decode(samples::geoMilano));
     EXPECT_EQ(milano.results->first(), (GeocodingResponse::Result{"Milano", 45.46427, 9.18951, "Italia"}));
+}
+
+TEST(WeatherReplies, NamesFromEitherServiceAreCutToWhatAScreenShows)
+{
+    const QByteArray name(100000, 'x');
+    const QString cut(outside::maxTextLength, 'x');
+    const auto ip = IPLocation::decode(R"({"lat":1,"lon":2,"city":")" + name + R"(","country":")" + name + "\"}");
+    ASSERT_TRUE(decodes(ip)) << std::get<WeatherError>(ip).detail.toStdString();
+    EXPECT_EQ(std::get<IPLocation>(ip), (IPLocation{1, 2, cut, cut}));
+    const auto geo = GeocodingResponse::decode(R"({"results":[{"name":")" + name +
+                                               R"(","latitude":1,"longitude":2,"country":")" + name + "\"}]}");
+    ASSERT_TRUE(decodes(geo)) << std::get<WeatherError>(geo).detail.toStdString();
+    EXPECT_EQ(std::get<GeocodingResponse>(geo).results->first(), (GeocodingResponse::Result{cut, 1, 2, cut}));
 }
 
 TEST(WeatherReplies, ForecastFromTheServiceShape)

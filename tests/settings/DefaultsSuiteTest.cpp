@@ -8,7 +8,9 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -21,6 +23,32 @@ QJsonObject dumpInOtherProcess(const QString& dir, const QString& suite, const Q
     EXPECT_EQ(p.exitCode(), 0);
     return QJsonDocument::fromJson(p.readAllStandardOutput()).object();
 }
+
+QByteArray readFile(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The disk as good as full: files of this process cannot grow past `bytes`, and a write beyond that
+// fails with EFBIG instead of raising SIGXFSZ. Needs no root, unlike a small mounted filesystem.
+struct FileSizeLimit {
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_FSIZE, &saved);
+        oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limited = saved;
+        limited.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &saved);
+        std::signal(SIGXFSZ, oldHandler);
+    }
+    rlimit saved{};
+    void (*oldHandler)(int) = nullptr;
+};
 
 } // namespace
 
@@ -84,6 +112,8 @@ TEST(DefaultsSuite, DamagedLinesCostOnlyTheirOwnKey)
     f.close();
     // Damage the first line, add junk lines and cut the last line short.
     text.replace(0, 3, "\x01\xff{");
+    // A value far larger than any the app stores (a 14 MB city name once) is damage too.
+    text.append("{\"k\":\"huge\",\"string\":\"" + QByteArray(1 << 20, 'x') + "\"}\n");
     text.append("not json\n{\"k\":\"z\",\"data\":\"***\"}\n{\"k\":\"w\",\"lis");
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(text);
@@ -95,6 +125,7 @@ TEST(DefaultsSuite, DamagedLinesCostOnlyTheirOwnKey)
     EXPECT_EQ(suite->stringForKey("b"), QString("kept"));
     EXPECT_EQ(suite->stringArrayForKey("c"), QStringList{"x"});
     EXPECT_FALSE(suite->dataForKey("z"));
+    EXPECT_FALSE(suite->stringForKey("huge"));
     suite->setObject(false, "new");
     EXPECT_TRUE(suite->synchronize());
     auto again = DefaultsSuite::open("group.test", dir.path());
@@ -114,4 +145,29 @@ TEST(DefaultsSuite, UnusableSuiteGivesNothingAndStandardStandsIn)
     standard->setObject(QString("v"), "k");
     EXPECT_TRUE(standard->synchronize());
     EXPECT_EQ(DefaultsSuite::standard(dir.path())->stringForKey("k"), QString("v"));
+}
+
+TEST(DefaultsSuite, SaveOnAFullDiskLeavesTheFileAndKeepsTheValuesForTheNextSave)
+{
+    QTemporaryDir dir;
+    auto suite = DefaultsSuite::open("group.test", dir.path());
+    suite->setObject(true, "widget.clock.enabled");
+    ASSERT_TRUE(suite->synchronize());
+    const QByteArray before = readFile(suite->filePath());
+
+    // Small enough to stay in a write buffer, larger than the room left.
+    suite->setObject(QString(2000, 'p'), "big");
+    suite->setObject(false, "widget.clock.enabled");
+    {
+        const FileSizeLimit full(before.size() + 100);
+        EXPECT_FALSE(suite->synchronize());
+    }
+    EXPECT_EQ(readFile(suite->filePath()), before);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"group.test.json"}); // no temporary left
+    EXPECT_EQ(suite->boolForKey("widget.clock.enabled"), false);
+
+    ASSERT_TRUE(suite->synchronize());
+    auto reopened = DefaultsSuite::open("group.test", dir.path());
+    EXPECT_EQ(reopened->boolForKey("widget.clock.enabled"), false);
+    EXPECT_EQ(reopened->stringForKey("big"), QString(2000, 'p'));
 }

@@ -33,9 +33,10 @@ QByteArray reasonPhrase(int status)
 
 QByteArray response(const ReplayServer::Reply& r)
 {
+    const QByteArray length =
+        r.announceLength ? "\r\nContent-Length: " + QByteArray::number(r.body.size()) : QByteArray();
     return "HTTP/1.1 " + QByteArray::number(r.status) + ' ' + reasonPhrase(r.status) +
-           "\r\nContent-Type: " + r.contentType + "\r\nContent-Length: " + QByteArray::number(r.body.size()) +
-           "\r\nConnection: close\r\n\r\n" + r.body;
+           "\r\nContent-Type: " + r.contentType + length + "\r\nConnection: close\r\n\r\n" + r.body;
 }
 
 // The path of a request target, without its query.
@@ -85,6 +86,7 @@ std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(co
         r.contentType = o.value("contentType").toString(QString::fromLatin1(r.contentType)).toUtf8();
         r.hang = o.value("hang").toBool(false);
         r.delayMs = o.value("delayMs").toInt(0);
+        r.announceLength = o.value("announceLength").toBool(true);
         if (o.contains("file")) {
             QFile body(QDir(directory).filePath(o.value("file").toString()));
             if (!body.open(QIODevice::ReadOnly))

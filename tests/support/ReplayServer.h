@@ -24,6 +24,7 @@ public:
         QByteArray contentType = "application/json; charset=utf-8";
         bool hang = false;
         int delayMs = 0;
+        bool announceLength = true; // false: no Content-Length, the body ends with the connection
     };
 
     explicit ReplayServer(QObject* parent = nullptr);
@@ -43,7 +44,7 @@ public:
 
     // Answers from a folder instead, read again at every request so a run can change its replies.
     // Its "replies.json" maps a path to {"status", "contentType", "hang", "delayMs", and "file" (beside
-    // it) or "body" (text)}; a missing field takes the default of Reply.
+    // it) or "body" (text), "announceLength"}; a missing field takes the default of Reply.
     void serveDirectory(const QString& directory);
     static std::optional<QMap<QString, Reply>> readDirectory(const QString& directory);
 

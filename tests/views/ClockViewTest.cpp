@@ -235,3 +235,30 @@ TEST(ClockView, ThemeChangeRepaintsTheLiveWidget)
     SettingsManager::shared().setGlassTheme("something else");
     EXPECT_DOUBLE_EQ(brightness(view.grab(), QRect(22, 150, 10, 8)), before); // unknown looks transparent
 }
+
+TEST(ClockView, ALongCityEndsInAnEllipsisInsideItsBox)
+{
+    FrozenClock frozen(kFrozen);
+    const QString city = QString("San Giovanni ").repeated(20).trimmed();
+    for (const auto& [style, size, label] : {std::tuple{"analog", "small", "analogCity"},
+                                            std::tuple{"digital", "small", "digitalCity"},
+                                            std::tuple{"digital", "medium", "digitalCity"}}) {
+        const QString tag = QString("clock-long-city-%1-%2").arg(style, size);
+        SCOPED_TRACE(tag.toStdString());
+        resetStore();
+        auto& s = SettingsManager::shared();
+        s.setClockStyle(style);
+        s.setClockSize(size);
+        s.setSharedData(SharedWidgetData{{}, {}, WeatherData{city, 20.0, 1, {}}, {}});
+        const int w = QString(size) == "medium" ? 340 : 170;
+        ViewHarness view("qrc:/Ombrix/WidgetViews/ClockWidgetView.qml", w, 170);
+        ASSERT_TRUE(view.root()) << view.errors().toStdString();
+        view.grab().save(artifactsDir() + "/" + tag + ".png");
+        auto* text = view.find<QQuickItem>(label);
+        ASSERT_TRUE(text);
+        EXPECT_TRUE(text->property("truncated").toBool());
+        const QRectF box = text->mapRectToScene(QRectF(0, 0, text->width(), text->height()));
+        EXPECT_GE(box.left(), 18);
+        EXPECT_LE(box.right(), w - 18);
+    }
+}

@@ -1,0 +1,31 @@
+#include "OutsideData.h"
+
+#include <QNetworkReply>
+
+namespace outside {
+
+QString cutText(const QString& text)
+{
+    if (text.size() <= maxTextLength)
+        return text;
+    qsizetype end = maxTextLength;
+    if (text.at(end - 1).isHighSurrogate())
+        --end;
+    return text.left(end);
+}
+
+void limitBody(QNetworkReply* reply, qint64 maxBytes)
+{
+    // Both checks act while reading: the body is never buffered past the limit.
+    QObject::connect(reply, &QNetworkReply::metaDataChanged, reply, [reply, maxBytes] {
+        const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
+        if (length.isValid() && length.toLongLong() > maxBytes)
+            reply->abort();
+    });
+    QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply, maxBytes](qint64 received, qint64) {
+        if (received > maxBytes)
+            reply->abort();
+    });
+}
+
+} // namespace outside
