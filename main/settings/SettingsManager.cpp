@@ -105,6 +105,10 @@ void SettingsManager::updateSharedWidgetData()
     if (!bytes)
         return;
     QFile f(path);
+    // Polls mostly find the same readings: the file is left alone when it already holds these bytes.
+    if (f.open(QIODevice::ReadOnly) && f.size() == bytes->size() && f.readAll() == *bytes)
+        return;
+    f.close();
     if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
         f.write(*bytes);
 }

@@ -100,4 +100,13 @@ TEST(SharedWidgetData, FileHasClockStyleOnlyInTheWrittenCopy)
     s.setSharedData({});
     s.updateSharedWidgetData();
     EXPECT_EQ(parsed(readFile(path)), (QJsonObject{{"clockStyle", "digital"}}));
+
+    // The same snapshot again leaves the file untouched.
+    const QDateTime old(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite) && f.setFileTime(old, QFileDevice::FileModificationTime));
+    }
+    s.updateSharedWidgetData();
+    EXPECT_EQ(QFileInfo(path).lastModified(), old);
 }
