@@ -14,6 +14,8 @@ pkgs=(
   zsh
   ca-certificates
 )
+# Tests only: UPower stood in for by dbusmock, real MPRIS players, tagged audio made by ffmpeg.
+pkgs+=(python3-dbusmock mpv mpv-mpris ffmpeg)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
