@@ -130,7 +130,11 @@ WidgetContainer {
                         Text {
                             objectName: "source"
                             Layout.fillWidth: true
+                            // A player's own name: outside text, one line.
                             text: music.sourceLabel
+                            textFormat: Text.PlainText
+                            maximumLineCount: 1
+                            elide: Text.ElideRight
                             font.pixelSize: 10
                             font.bold: true
                             font.letterSpacing: 0.8

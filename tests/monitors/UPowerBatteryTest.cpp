@@ -7,9 +7,6 @@
 #include "UPowerMock.h"
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -42,13 +39,8 @@ protected:
     static QList<BatteryDevice> written()
     {
         QFile f(SettingsManager::sharedDataFilePath());
-        QList<BatteryDevice> devices;
-        if (f.open(QIODevice::ReadOnly)) {
-            for (const auto& value : QJsonDocument::fromJson(f.readAll()).object().value("battery").toArray())
-                devices << BatteryDevice{value["id"].toString(), value["name"].toString(), value["percent"].toInt(),
-                                         value["charging"].toBool(), value["type"].toString()};
-        }
-        return devices;
+        const auto data = f.open(QIODevice::ReadOnly) ? SharedWidgetData::decode(f.readAll()) : std::nullopt;
+        return data && data->battery ? *data->battery : QList<BatteryDevice>();
     }
     static QList<BatteryDevice> ringDevices(BatteryWidgetModel& model)
     {

@@ -1,6 +1,8 @@
 #include "UPowerMock.h"
 
+#include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 #include <QProcessEnvironment>
 
 namespace {
@@ -34,12 +36,14 @@ void UPowerMock::stop()
     m_running = false;
 }
 
-QString UPowerMock::call(const QString& method, const QVariantList& args)
+QString UPowerMock::call(const QString& method, const QVariantList& args, const QString& path)
 {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(service, "/org/freedesktop/UPower", "org.freedesktop.DBus.Mock", method);
+    QDBusMessage message = QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Mock", method);
     message.setArguments(args);
-    return m_bus.connection().call(message).arguments().value(0).toString();
+    const QDBusMessage reply = m_bus.connection().call(message);
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        qWarning("%s: %s", qPrintable(method), qPrintable(reply.errorMessage()));
+    return reply.arguments().value(0).toString();
 }
 
 void UPowerMock::set(const QString& path, const QVariantMap& properties)
@@ -47,11 +51,17 @@ void UPowerMock::set(const QString& path, const QVariantMap& properties)
     call("SetDeviceProperties", {QVariant::fromValue(QDBusObjectPath(path)), properties});
 }
 
+void UPowerMock::addProperty(const QString& path, const QString& name, const QVariant& value)
+{
+    call("AddProperty", {"org.freedesktop.UPower.Device", name, QVariant::fromValue(QDBusVariant(value))}, path);
+}
+
+// The template's devices lack a few properties upowerd gives every device; they are added here.
 QString UPowerMock::addSystemBattery(const QString& nativeName, double percent, bool charging)
 {
     const QString path = call(charging ? "AddChargingBattery" : "AddDischargingBattery",
                               {"battery_" + nativeName, "Battery", percent, qlonglong(3600)});
-    set(path, {{"NativePath", nativeName}});
+    addProperty(path, "NativePath", nativeName);
     return path;
 }
 
@@ -59,11 +69,14 @@ QString UPowerMock::addPeripheral(const QString& model, double percent, uint typ
 {
     const QString path =
         call("AddDischargingBattery", {QString("peripheral_%1").arg(++m_devices), model, percent, qlonglong(0)});
-    set(path, {{"Type", type}, {"PowerSupply", false}, {"NativePath", nativePath}});
+    addProperty(path, "NativePath", nativePath);
+    set(path, {{"Type", type}, {"PowerSupply", false}});
     return path;
 }
 
 void UPowerMock::addMains(bool online)
 {
-    set(call("AddAC", {"line_power_AC", "Mains"}), {{"Type", linePower}, {"Online", online}});
+    const QString path = call("AddAC", {"line_power_AC", "Mains"});
+    addProperty(path, "Type", linePower);
+    set(path, {{"Online", online}});
 }

@@ -20,8 +20,9 @@ public:
     QDBusConnection connection() const { return m_bus.connection(); }
     void stop();
 
-    // A method of the mock's control interface; its text reply (the new device's path, for one).
-    QString call(const QString& method, const QVariantList& args);
+    // A method of the mock's control interface on `path`; its text reply (a new device's path, for one).
+    QString call(const QString& method, const QVariantList& args, const QString& path = "/org/freedesktop/UPower");
+    void addProperty(const QString& path, const QString& name, const QVariant& value);
     void set(const QString& path, const QVariantMap& properties);
     // A battery at `percent` that is the machine's own, charging or discharging.
     QString addSystemBattery(const QString& nativeName, double percent, bool charging);
