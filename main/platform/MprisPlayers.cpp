@@ -169,7 +169,7 @@ void MprisPlayers::appeared(const QString& busName, const QString& owner)
 {
     if (!busName.startsWith(busPrefix))
         return;
-    m_players.append(Player{busName, owner, {}, {}, {}, 0, 0});
+    m_players.append(Player{busName, owner, {}, {}, {}, 0, 0, {}});
     askAll(busName, owner, playerInterface);
     askAll(busName, owner, rootInterface);
 }
@@ -191,7 +191,7 @@ void MprisPlayers::askAll(const QString& busName, const QString& owner, const QS
         done->deleteLater();
         const QDBusPendingReply<QVariantMap> properties = *done;
         if (!properties.isError())
-            apply(busName, owner, interface, properties.value());
+            apply(busName, owner, interface, properties.value(), false);
     });
 }
 
@@ -200,18 +200,26 @@ void MprisPlayers::propertiesChanged(const QString& interface, const QVariantMap
 {
     for (const Player& p : std::as_const(m_players)) {
         if (p.owner == message.service()) {
-            apply(p.busName, p.owner, interface, changedProperties);
+            apply(p.busName, p.owner, interface, changedProperties, true);
             return;
         }
     }
 }
 
 void MprisPlayers::apply(const QString& busName, const QString& owner, const QString& interface,
-                         const QVariantMap& properties)
+                         QVariantMap properties, bool fromSignal)
 {
     Player* player = find(busName, owner);
     if (!player)
         return;
+    // A signal may be delivered before the reply to the GetAll the player answered earlier: what
+    // a signal said stands, as it is at least as new.
+    for (const QString& name : properties.keys()) {
+        if (fromSignal)
+            player->signalled.insert(name);
+        else if (player->signalled.contains(name))
+            properties.remove(name);
+    }
     const MusicData before = nowPlaying();
     if (interface == rootInterface) {
         if (properties.contains(QStringLiteral("Identity")))

@@ -9,6 +9,7 @@
 #include <QDBusConnection>
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QVariantMap>
 
 class MprisPlayers : public QObject {
@@ -26,6 +27,7 @@ public:
         QVariantMap metadata;
         quint64 startedPlaying = 0; // when it last started playing, as a count of events; 0: never seen to
         quint64 lastPlayed = 0;     // when it last started or stopped playing
+        QSet<QString> signalled;    // properties its signals have given
     };
 
     explicit MprisPlayers(const QDBusConnection& bus, QObject* parent = nullptr);
@@ -53,7 +55,8 @@ private:
     void appeared(const QString& busName, const QString& owner);
     void vanished(const QString& busName);
     void askAll(const QString& busName, const QString& owner, const QString& interface);
-    void apply(const QString& busName, const QString& owner, const QString& interface, const QVariantMap& properties);
+    void apply(const QString& busName, const QString& owner, const QString& interface, QVariantMap properties,
+               bool fromSignal);
     Player* find(const QString& busName, const QString& owner);
 
     QDBusConnection m_bus;

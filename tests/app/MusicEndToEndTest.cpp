@@ -7,6 +7,7 @@
 #include "SettingsManager.h"
 #include "XSession.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
 #include <QDBusVariant>

@@ -16,7 +16,7 @@ using Player = MprisPlayers::Player;
 
 Player player(const QString& name, const QString& status, quint64 started = 0, quint64 lastPlayed = 0)
 {
-    return Player{MprisPlayers::busPrefix + name, ":1." + name, name, status, {}, started, lastPlayed};
+    return Player{MprisPlayers::busPrefix + name, ":1." + name, name, status, {}, started, lastPlayed, {}};
 }
 
 TEST(MprisRules, WhichPlayerIsShownAndWhichTakesTheButtons)
@@ -48,7 +48,7 @@ TEST(MprisRules, WhichPlayerIsShownAndWhichTakesTheButtons)
 TEST(MprisRules, ReadingOfAPlayer)
 {
     const auto reading = [](const QString& busName, const QString& identity, const QVariantMap& metadata) {
-        return MprisPlayers::readingOf(Player{MprisPlayers::busPrefix + busName, ":1.1", identity, "Playing", metadata, 1, 1});
+        return MprisPlayers::readingOf(Player{MprisPlayers::busPrefix + busName, ":1.1", identity, "Playing", metadata, 1, 1, {}});
     };
     const QVariantMap full{{"xesam:title", "Song"},
                            {"xesam:artist", QStringList{"Band", "Guest"}},

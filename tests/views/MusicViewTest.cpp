@@ -346,7 +346,7 @@ TEST_F(MusicViewTest, OutsideTextsStayPlainAndOnOneLine)
     }
     // A player's own name is outside text as well: typed as it comes, on one line.
     settings().setMusicSize("medium");
-    for (const QString& name : {QString("<b>mpv</b>"), "A media player whose name goes on past the widget"}) {
+    for (const QString& name : QStringList{"<b>mpv</b>", "A media player whose name goes on past the widget"}) {
         play("spotify");
         runner->replies[musicscript::nowPlaying(musicscript::spotify)] = "Song|||Band|||x|||" + name;
         ViewHarness view(kView, 340, 170);
