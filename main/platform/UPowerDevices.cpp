@@ -150,11 +150,19 @@ void UPowerDevices::devicePropertiesChanged(const QString& interface, const QVar
     const auto device = m_devices.find(message.path());
     if (interface != deviceInterface || device == m_devices.end())
         return;
-    for (auto it = changedProperties.begin(); it != changedProperties.end(); ++it)
+    // UPower also reports times, rates and update stamps every few seconds; only what a reading
+    // shows is worth a refresh.
+    static const QStringList shown = {"Type", "Online", "IsPresent", "PowerSupply", "NativePath", "Model",
+                                      "Vendor", "Percentage", "Energy", "EnergyFull", "State"};
+    bool matters = false;
+    for (auto it = changedProperties.begin(); it != changedProperties.end(); ++it) {
+        matters = matters || (shown.contains(it.key()) && device->value(it.key()) != it.value());
         device->insert(it.key(), it.value());
+    }
     for (const QString& name : invalidated)
-        device->remove(name);
-    emit changed();
+        matters = device->remove(name) > 0 || matters;
+    if (matters)
+        emit changed();
 }
 
 void UPowerDevices::forget()
