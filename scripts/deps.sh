@@ -17,6 +17,8 @@ pkgs=(
 )
 if [ "${1:-}" = --tests ]; then
   pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 desktop-file-utils appstream picom feh)
+  # UPower stood in for by dbusmock, real MPRIS players, tagged audio made by ffmpeg.
+  pkgs+=(python3-dbusmock mpv mpv-mpris ffmpeg)
 fi
 missing=()
 for p in "${pkgs[@]}"; do

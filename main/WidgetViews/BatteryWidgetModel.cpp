@@ -27,6 +27,10 @@ BatteryWidgetModel::BatteryWidgetModel(QObject* parent) : QObject(parent), m_tim
         updateRings();
     });
     connect(settings, &SettingsManager::batteryVisibleDevicesChanged, this, &BatteryWidgetModel::updateRings);
+    connect(&BatteryMonitor::shared().changes(), &ChangeNotifier::changed, this, [this] {
+        if (m_active)
+            refreshDevices();
+    });
 }
 
 QVariantList BatteryWidgetModel::devices() const

@@ -4,6 +4,7 @@
 #include "OutsideData.h"
 #include "SettingsManager.h"
 
+#include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 
@@ -17,6 +18,10 @@ MusicWidgetModel::MusicWidgetModel(QObject* parent) : QObject(parent)
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.setInterval(pollIntervalMs);
     connect(&m_timer, &QTimer::timeout, this, &MusicWidgetModel::refreshMusic);
+    connect(&MusicMonitor::shared().changes(), &ChangeNotifier::changed, this, [this] {
+        if (m_active)
+            refreshMusic();
+    });
 }
 
 QString MusicWidgetModel::displayText(const std::optional<QString>& text)
@@ -26,7 +31,12 @@ QString MusicWidgetModel::displayText(const std::optional<QString>& text)
 
 QString MusicWidgetModel::sourceLabelFor(const std::optional<QString>& source)
 {
-    return source == QStringLiteral("spotify") ? QStringLiteral("Spotify") : QStringLiteral("Apple Music");
+    // Spotify and Music (by script) are named as on the other system; any other player by its own name.
+    if (source == QStringLiteral("spotify"))
+        return QStringLiteral("Spotify");
+    if (!source || source == QStringLiteral("music") || source->trimmed().isEmpty())
+        return QStringLiteral("Apple Music");
+    return *source;
 }
 
 QColor MusicWidgetModel::sourceColorFor(const std::optional<QString>& source)
@@ -37,8 +47,17 @@ QColor MusicWidgetModel::sourceColorFor(const std::optional<QString>& source)
 QUrl MusicWidgetModel::artworkUrl(const QString& address)
 {
     const QUrl url(address, QUrl::StrictMode);
-    const bool web = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
-    return url.isValid() && web && !url.host().isEmpty() ? url : QUrl();
+    if (!url.isValid())
+        return {};
+    if (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
+        return url.host().isEmpty() ? QUrl() : url;
+    // Players that take the cover from the file or its folder (mpv, VLC, Rhythmbox) give a local file.
+    if (url.isLocalFile() && url.host().isEmpty()) {
+        const QFileInfo file(url.toLocalFile());
+        if (file.isFile() && file.isReadable() && file.size() <= maxLocalArtworkBytes)
+            return url;
+    }
+    return {};
 }
 
 std::optional<QColor> MusicWidgetModel::averageColor(const QImage& image)

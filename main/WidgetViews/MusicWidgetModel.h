@@ -38,6 +38,7 @@ class MusicWidgetModel : public QObject {
 public:
     static constexpr int pollIntervalMs = 3000;
     static constexpr int followUpMs = 300;
+    static constexpr qint64 maxLocalArtworkBytes = 8 * 1024 * 1024;
 
     explicit MusicWidgetModel(QObject* parent = nullptr);
 
@@ -49,7 +50,8 @@ public:
     static QString displayText(const std::optional<QString>& text); // "—" for absent
     static QString sourceLabelFor(const std::optional<QString>& source);
     static QColor sourceColorFor(const std::optional<QString>& source);
-    // An artwork address worth fetching: http or https with a host; invalid otherwise.
+    // An artwork address worth fetching: http or https with a host, or a readable local file of at
+    // most maxLocalArtworkBytes; invalid otherwise.
     static QUrl artworkUrl(const QString& address);
     // Mean of a 10 by 10 grid of samples at 0, 10 ... 90 % of each side; nothing for an empty image.
     static std::optional<QColor> averageColor(const QImage& image);

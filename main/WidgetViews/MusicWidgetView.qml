@@ -130,11 +130,15 @@ WidgetContainer {
                         SizedText {
                             objectName: "source"
                             Layout.fillWidth: true
+                            // A player's own name: outside text, one line.
                             text: music.sourceLabel
                             size: 9.5
                             weight: Font.Bold
                             letterSpacing: 0.8
                             capitalization: Font.AllUppercase
+                            textFormat: Text.PlainText
+                            maximumLineCount: 1
+                            elide: Text.ElideRight
                             color: root.dimWhite
                         }
                         Text {

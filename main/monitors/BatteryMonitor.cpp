@@ -113,7 +113,10 @@ std::optional<BatteryDevice> parseBlock(QStringView block, bool hasMarker)
 
 } // namespace
 
-BatteryMonitor::BatteryMonitor() : m_source(std::make_unique<SystemBatteryTexts>()) {}
+BatteryMonitor::BatteryMonitor()
+{
+    setTextSource(nullptr);
+}
 
 BatteryMonitor& BatteryMonitor::shared()
 {
@@ -124,6 +127,7 @@ BatteryMonitor& BatteryMonitor::shared()
 void BatteryMonitor::setTextSource(std::unique_ptr<BatteryTextSource> source)
 {
     m_source = source ? std::move(source) : std::make_unique<SystemBatteryTexts>();
+    m_source->setChangeHandler([this] { emit m_changes.changed(); });
 }
 
 QString BatteryMonitor::shell(const QString& command)

@@ -3,6 +3,7 @@
 // ioreg (or of the stand-in that renders the same text), and the computer's name. Holds no
 // readings: every call asks again.
 #include "BatteryTextSource.h"
+#include "ChangeNotifier.h"
 #include "SharedWidgetData.h"
 
 #include <QList>
@@ -26,6 +27,8 @@ public:
 
     // Replaces where the texts come from; null puts back the machine's own source.
     void setTextSource(std::unique_ptr<BatteryTextSource> source);
+    // Fires when the source learns of a change before the next poll would.
+    const ChangeNotifier& changes() const { return m_changes; }
 
     BatteryMonitor(const BatteryMonitor&) = delete;
     BatteryMonitor& operator=(const BatteryMonitor&) = delete;
@@ -39,5 +42,6 @@ private:
     friend class SystemBatteryTexts;
     friend struct BatteryMonitorProbe; // reaches shell() from the tests
 
+    ChangeNotifier m_changes;
     std::unique_ptr<BatteryTextSource> m_source;
 };

@@ -4,7 +4,9 @@
 #include "ChildProcess.h"
 #include "HostName.h"
 #include "SettingsManager.h"
+#include "UPowerDevices.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -16,7 +18,33 @@ bool onPath(const char* tool) { return !QStandardPaths::findExecutable(QString::
 
 } // namespace
 
-SystemBatteryTexts::SystemBatteryTexts(QString powerSupplyRoot) : m_root(std::move(powerSupplyRoot)) {}
+SystemBatteryTexts::SystemBatteryTexts(QString powerSupplyRoot, std::optional<QDBusConnection> upowerBus)
+    : m_root(std::move(powerSupplyRoot)), m_upowerBus(std::move(upowerBus))
+{
+}
+
+SystemBatteryTexts::~SystemBatteryTexts()
+{
+    delete m_upower;
+}
+
+void SystemBatteryTexts::setChangeHandler(std::function<void()> onChange)
+{
+    m_onChange = std::move(onChange);
+}
+
+powersupply::Reading SystemBatteryTexts::reading()
+{
+    if (!m_upower && QCoreApplication::instance()) {
+        m_upower = new UPowerDevices(m_upowerBus.value_or(QDBusConnection::systemBus()), QCoreApplication::instance());
+        QObject::connect(m_upower, &UPowerDevices::changed, m_upower, [this] {
+            if (m_onChange)
+                m_onChange();
+        });
+    }
+    const powersupply::Reading tree = powersupply::readTree(root());
+    return m_upower && m_upower->ready() ? powersupply::merged(m_upower->reading(), tree) : tree;
+}
 
 QString SystemBatteryTexts::root() const
 {
@@ -28,13 +56,13 @@ QString SystemBatteryTexts::root() const
 
 QString SystemBatteryTexts::pmsetText()
 {
-    return onPath("pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(root());
+    return onPath("pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(reading());
 }
 
 QString SystemBatteryTexts::ioregText()
 {
     return onPath("ioreg") ? BatteryMonitor::shell(R"(ioreg -r -d 1 -k "BatteryPercent")")
-                           : powersupply::ioregText(root());
+                           : powersupply::ioregText(reading());
 }
 
 QString SystemBatteryTexts::computerName()

@@ -1,15 +1,38 @@
 #include "MusicMonitor.h"
 
+#include "MprisPlayers.h"
 #include "MusicScripts.h"
 #include "OutsideData.h"
 
+#include <QCoreApplication>
+
 MusicMonitor& MusicMonitor::shared()
 {
-    static MusicMonitor instance(ScriptRunner::forThisMachine());
+    static MusicMonitor instance = [] {
+        if (auto runner = ScriptRunner::forThisMachine())
+            return MusicMonitor(std::move(runner));
+        return MusicMonitor(QDBusConnection::sessionBus());
+    }();
     return instance;
 }
 
 MusicMonitor::MusicMonitor(std::unique_ptr<ScriptRunner> runner) : m_runner(std::move(runner)) {}
+
+MusicMonitor::MusicMonitor(const QDBusConnection& playersBus) : m_playersBus(playersBus) {}
+
+MusicMonitor::~MusicMonitor()
+{
+    delete m_players;
+}
+
+MprisPlayers* MusicMonitor::players()
+{
+    if (!m_players && m_playersBus && QCoreApplication::instance()) {
+        m_players = new MprisPlayers(*m_playersBus, QCoreApplication::instance());
+        QObject::connect(m_players, &MprisPlayers::changed, &m_changes, &ChangeNotifier::changed);
+    }
+    return m_players;
+}
 
 std::unique_ptr<ScriptRunner> MusicMonitor::replaceRunner(std::unique_ptr<ScriptRunner> runner)
 {
@@ -24,6 +47,8 @@ std::optional<QString> MusicMonitor::runAppleScript(const QString& text)
 
 MusicData MusicMonitor::getNowPlaying()
 {
+    if (!m_runner)
+        return players() ? m_players->nowPlaying() : MusicData{};
     if (auto data = playingOn(musicscript::spotify))
         return *data;
     if (auto data = playingOn(musicscript::music))
@@ -58,6 +83,11 @@ bool MusicMonitor::isRunning(const QString& app)
 
 void MusicMonitor::controlMusic(const QString& action)
 {
+    if (!m_runner) {
+        if (players())
+            m_players->control(action);
+        return;
+    }
     // Both questions are asked whatever the first answer; a running Spotify is the target even
     // when paused and Music is the one playing.
     const bool spotifyRunning = isRunning(musicscript::spotify);

@@ -1,6 +1,6 @@
 #pragma once
-// The AppleScript texts the music monitor sends. They are written only here, so that a runner
-// standing in for AppleScript recognises exactly the texts the monitor asks, and nothing looser.
+// The AppleScript texts the music monitor sends, written only here, so that tests and fakes
+// answer exactly the texts the monitor asks, and nothing looser.
 #include <QString>
 #include <QStringList>
 #include <optional>

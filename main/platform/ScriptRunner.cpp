@@ -1,7 +1,5 @@
 #include "ScriptRunner.h"
 
-#include "MprisScriptRunner.h"
-
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -10,7 +8,7 @@ std::unique_ptr<ScriptRunner> ScriptRunner::forThisMachine()
     const QString osascript = QStandardPaths::findExecutable(QStringLiteral("osascript"));
     if (!osascript.isEmpty())
         return std::make_unique<OsascriptRunner>(osascript);
-    return std::make_unique<MprisScriptRunner>();
+    return nullptr;
 }
 
 OsascriptRunner::OsascriptRunner(QString program, int timeoutMs)

@@ -1,6 +1,6 @@
 #pragma once
-// Runs AppleScript texts: the one operation the music monitor needs of the system. Where the
-// machine has osascript it does the work; elsewhere MPRIS players answer the same texts.
+// Runs AppleScript texts: the one operation the music monitor needs of the system where the
+// machine has osascript. Elsewhere the monitor reads MPRIS players instead (MprisPlayers).
 #include "ChildProcess.h"
 
 #include <QString>
@@ -14,7 +14,7 @@ public:
     // The script's result as text; nothing where the script cannot be made or fails when run.
     virtual std::optional<QString> run(const QString& script) = 0;
 
-    // osascript if the PATH has it, else the MPRIS stand-in on the session bus.
+    // osascript if the PATH has it, else nothing.
     static std::unique_ptr<ScriptRunner> forThisMachine();
 };
 

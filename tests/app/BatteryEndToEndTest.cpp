@@ -1,11 +1,13 @@
-// The battery widget in the running app, reading a fake power-supply tree named in its settings, and
-// driven through the real Control Panel with clicks found in screen grabs.
+// The battery widget in the running app, reading UPower (dbusmock's) on a stand-in system bus and a
+// fake power-supply tree named in its settings, and driven through the real Control Panel with
+// clicks found in screen grabs.
 #include "BatteryTextSource.h"
 #include "Blobs.h"
 #include "DefaultsSuite.h"
 #include "FakePowerSupplyTree.h"
 #include "HueChecks.h"
 #include "SettingsManager.h"
+#include "UPowerMock.h"
 #include "XSession.h"
 
 #include <QThread>
@@ -24,6 +26,7 @@ void click(XSession& x, QPoint p)
 struct App {
     XSession x;
     FakePowerSupplyTree tree;
+    UPowerMock upower;
 
     QImage shot(const QString& id) { return x.grabScreen().copy(x.geometryOf(id)); }
     // Waits until the widget's ring arcs read `arcs` from left to right, and keeps that screenshot.
@@ -48,20 +51,24 @@ struct App {
 
 } // namespace
 
-TEST(BatteryEndToEnd, RingsFromTheTreeAndTheMouseCheckboxHidesItsRing)
+TEST(BatteryEndToEnd, RingsFromUPowerAndTheTreeAndTheMouseCheckboxHidesItsRing)
 {
     App app;
     ASSERT_TRUE(app.x.ok());
+    ASSERT_TRUE(app.upower.isRunning());
+    // The headset only UPower knows (BlueZ); the laptop and the mouse from the tree.
+    app.upower.addPeripheral("AirPods Pro", 40, UPowerMock::headset, "/org/bluez/hci0/dev_AA_BB_CC_DD_EE_FF");
     app.tree.addLaptopBattery("BAT0", 15, "Charging");
     app.tree.addMains("AC", true);
     app.tree.addDeviceBattery("hid-mouse-battery", "Magic Mouse", 64);
-    app.tree.addDeviceBattery("hid-headset-battery", "Studio Headphones", 40);
     {
         auto suite = DefaultsSuite::open(SettingsManager::suiteName, app.x.configDir());
         suite->setObject(app.tree.root(), SystemBatteryTexts::rootConfigKey);
         suite->synchronize();
     }
-    ASSERT_TRUE(app.x.startApp());
+    QProcessEnvironment env;
+    env.insert("DBUS_SYSTEM_BUS_ADDRESS", app.upower.address());
+    ASSERT_TRUE(app.x.startApp(env));
     ASSERT_TRUE(XSession::waitFor([&] { return !app.x.windowsNamed("OmbrixWidget Control Panel").isEmpty(); }));
 
     // Every card is closed: the third switch knob in the panel's switch column is the battery's.
@@ -89,7 +96,7 @@ TEST(BatteryEndToEnd, RingsFromTheTreeAndTheMouseCheckboxHidesItsRing)
     app.x.run("xdotool", {"key", "Up", "Return"});
     ASSERT_TRUE(XSession::waitFor([&] { return app.x.geometryOf(widget).width() == 340; }));
 
-    // Medium: the computer, the mouse and the headphones side by side.
+    // Medium: the computer, the headset and the mouse side by side.
     EXPECT_TRUE(app.waitForArcs(widget, {Hue::Red, Hue::Green, Hue::Green}, "battery-app-medium"));
 
     // "Magic Mouse" is the first box of the second row of device checkboxes, below the picker.

@@ -7,8 +7,16 @@
 #include "SettingsManager.h"
 #include "XSession.h"
 
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+#include <QDBusVariant>
+#include <QDir>
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QThread>
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace {
@@ -33,8 +41,13 @@ struct MusicApp {
         cover.fill(kCover);
         images.serve("/cover.png", ImageServer::png(cover));
     }
-    bool start()
+    bool start(bool withClock = false)
     {
+        if (withClock) {
+            auto suite = DefaultsSuite::open(SettingsManager::suiteName, x.configDir());
+            suite->setObject(true, "widget.clock.enabled");
+            suite->synchronize();
+        }
         QProcessEnvironment env;
         env.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
         if (!x.ok() || !bus.isRunning() || !x.startApp(env))
@@ -53,6 +66,13 @@ struct MusicApp {
         QFile f(log);
         return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()).split('\n', Qt::SkipEmptyParts)
                                            : QStringList();
+    }
+    // The music block of the app's shared data file.
+    QJsonObject written() const
+    {
+        QFile f(x.home() + "/Library/Group Containers/" + SettingsManager::suiteName + "/widget-data.json");
+        return f.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(f.readAll()).object().value("music").toObject()
+                                           : QJsonObject();
     }
     void click(QPoint inWidget)
     {
@@ -132,4 +152,120 @@ TEST(MusicEndToEnd, APressOnTheGlassStillDragsTheWindow)
     app.x.run("xdotool", {"mouseup", "1"});
     EXPECT_TRUE(XSession::waitFor([&] { return app.frame().topLeft() != start.topLeft(); }, 5000));
     EXPECT_TRUE(app.calls().isEmpty()) << app.calls().join(",").toStdString();
+}
+
+namespace {
+
+// A tagged track with a cover beside it, in its own folder, made with Debian's ffmpeg.
+QString makeTrack(const QString& dir, const QString& title, const QString& artist, const QColor& cover)
+{
+    QDir().mkpath(dir);
+    QImage image(64, 64, QImage::Format_RGB32);
+    image.fill(cover);
+    image.save(dir + "/cover.png");
+    const QString track = dir + "/track.flac";
+    QProcess ffmpeg;
+    ffmpeg.start("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=120", "-ar", "8000",
+                            "-ac", "1", "-metadata", "title=" + title, "-metadata", "artist=" + artist, track});
+    return ffmpeg.waitForFinished(30000) && ffmpeg.exitCode() == 0 ? track : QString();
+}
+
+// Debian's mpv with its MPRIS plugin, without sound or picture; paused from the start if asked.
+std::unique_ptr<QProcess> startMpv(const XSession& x, const QString& track, bool paused)
+{
+    auto mpv = std::make_unique<QProcess>();
+    QProcessEnvironment env = x.environment();
+    env.insert("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+    mpv->setProcessEnvironment(env);
+    QStringList args{"--no-terminal", "--no-video", "--ao=null", "--loop-file=inf", track};
+    if (paused)
+        args.prepend("--pause");
+    mpv->start("mpv", args);
+    return mpv;
+}
+
+QString status(const QDBusConnection& bus, const QString& busName)
+{
+    QDBusMessage get = QDBusMessage::createMethodCall(busName, "/org/mpris/MediaPlayer2",
+                                                      "org.freedesktop.DBus.Properties", "Get");
+    get << QString("org.mpris.MediaPlayer2.Player") << QString("PlaybackStatus");
+    const QDBusReply<QDBusVariant> reply = bus.call(get);
+    return reply.isValid() ? reply.value().variant().toString() : QString();
+}
+
+QStringList mprisNames(const QDBusConnection& bus)
+{
+    QStringList names = bus.interface()->registeredServiceNames().value();
+    return names.filter("org.mpris.MediaPlayer2.");
+}
+
+} // namespace
+
+// Real players: a paused mpv that sorts first by name, a playing one, and a player that never
+// answers anything, beside the clock.
+TEST(MusicEndToEnd, RealPlayersTheOneThatPlaysIsShownAndDriven)
+{
+    MusicApp app;
+    const QColor firstCover(230, 120, 20);
+    const QString first = makeTrack(app.x.home() + "/first", "First Song", "Early Band", firstCover);
+    const QString second = makeTrack(app.x.home() + "/second", "Second Song", "Late Band", kCover);
+    ASSERT_FALSE(first.isEmpty());
+    ASSERT_FALSE(second.isEmpty());
+
+    QProcess* hung = app.bus.startPlayer("hung", {"--title", "Never"});
+    ASSERT_NE(hung, nullptr);
+    ASSERT_EQ(::kill(pid_t(hung->processId()), SIGSTOP), 0);
+    const QDBusConnection bus = app.bus.connection();
+    auto paused = startMpv(app.x, first, true);
+    ASSERT_TRUE(app.bus.waitForName("org.mpris.MediaPlayer2.mpv", true));
+    auto playing = startMpv(app.x, second, false);
+    QString playingName;
+    ASSERT_TRUE(XSession::waitFor([&] {
+        playingName = mprisNames(bus).filter("mpv.instance").value(0);
+        return !playingName.isEmpty();
+    }));
+
+    ASSERT_TRUE(app.start(true));
+    const QString clock = app.x.waitForWindow("OmbrixWidget clock");
+    ASSERT_FALSE(clock.isEmpty());
+
+    // The playing one, its tags, its name and its cover from file://, though a paused player and
+    // a hung one sort before it.
+    EXPECT_TRUE(XSession::waitFor([&] { return app.written().value("track") == "Second Song"; }));
+    EXPECT_EQ(app.written().value("artist"), "Late Band");
+    EXPECT_EQ(app.written().value("source"), "mpv");
+    EXPECT_EQ(app.written().value("artwork"), QUrl::fromLocalFile(app.x.home() + "/second/cover.png").toString());
+    EXPECT_TRUE(XSession::waitFor([&] {
+        return countNear(app.shot(), kArt, kCover) > kArt.width() * kArt.height() * 9 / 10;
+    }));
+    app.shot().save(artifactsDir() + "/music-e2e-mpv.png");
+
+    // The clock keeps ticking all along: three different faces within a few seconds.
+    const auto clockShot = [&] { return app.x.grabScreen().copy(app.x.geometryOf(clock)); };
+    QList<QImage> faces{clockShot()};
+    EXPECT_TRUE(XSession::waitFor([&] {
+        if (clockShot() != faces.last())
+            faces << clockShot();
+        return faces.size() >= 3;
+    }, 5000));
+
+    // The widget's button really pauses mpv.
+    app.click(kPlayPause);
+    EXPECT_TRUE(XSession::waitFor([&] { return status(bus, playingName) == "Paused"; }, 5000));
+    EXPECT_TRUE(XSession::waitFor([&] { return app.written().value("playing") == false; }, 5000));
+
+    // The other one starts playing: it takes over within a second, with its own cover.
+    bus.call(QDBusMessage::createMethodCall("org.mpris.MediaPlayer2.mpv", "/org/mpris/MediaPlayer2",
+                                            "org.mpris.MediaPlayer2.Player", "Play"));
+    EXPECT_TRUE(XSession::waitFor([&] { return app.written().value("track") == "First Song"; }, 1000));
+    EXPECT_TRUE(XSession::waitFor([&] {
+        return countNear(app.shot(), kArt, firstCover) > kArt.width() * kArt.height() * 9 / 10;
+    }));
+    app.shot().save(artifactsDir() + "/music-e2e-mpv-takeover.png");
+
+    ::kill(pid_t(hung->processId()), SIGCONT);
+    for (auto* mpv : {paused.get(), playing.get()}) {
+        mpv->terminate();
+        mpv->waitForFinished();
+    }
 }

@@ -317,8 +317,8 @@ TEST(BatteryMonitor, TheAppsSourceReadsTheTreeTheSettingsName)
     };
     const QList<Case> cases = {
         {"named tree", tree.root(), {macbook(15, true), accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
-        // An empty or missing folder is read as it is: no battery, no accessories.
-        {"missing folder", tree.root() + "/nowhere", {macbook(100, false)}},
+        // An empty or missing folder is read as it is: no battery, so on mains, and no accessories.
+        {"missing folder", tree.root() + "/nowhere", {macbook(100, true)}},
         {"named tree again", tree.root(), {macbook(15, true), accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
     };
     for (const auto& c : cases) {

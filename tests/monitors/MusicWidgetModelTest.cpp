@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QPainter>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -36,7 +37,7 @@ TEST(MusicWidgetRules, DisplayTexts)
     };
     const Case cases[] = {
         {"spotify", "Spotify", green},     {"music", "Apple Music", pink}, {std::nullopt, "Apple Music", pink},
-        {"Spotify", "Apple Music", pink}, {"", "Apple Music", pink},
+        {"", "Apple Music", pink},         {"Spotify", "Spotify", pink},   {"VLC media player", "VLC media player", pink},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(MusicWidgetModel::sourceLabelFor(c.source), c.label) << c.source.value_or("<absent>").toStdString();
@@ -49,13 +50,22 @@ TEST(MusicWidgetRules, DisplayTexts)
 
 TEST(MusicWidgetRules, ArtworkAddresses)
 {
+    QTemporaryDir dir;
+    QFile cover(dir.filePath("cover.png")), huge(dir.filePath("huge.png"));
+    ASSERT_TRUE(cover.open(QIODevice::WriteOnly) && huge.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(huge.resize(MusicWidgetModel::maxLocalArtworkBytes + 1));
+    const QString local = QUrl::fromLocalFile(cover.fileName()).toString();
     const std::pair<QString, bool> cases[] = {
+        {local, true},
+        {QUrl::fromLocalFile(huge.fileName()).toString(), false},
+        {QUrl::fromLocalFile(dir.filePath("missing.png")).toString(), false},
+        {QUrl::fromLocalFile(dir.path()).toString(), false},
+        {"file://otherhost" + cover.fileName(), false},
         {"https://i.scdn.co/image/ab67616d0000b273", true},
         {"http://127.0.0.1:8080/a.png", true},
         {"", false},
         {"not a url", false},
         {"ftp://host/a.png", false},
-        {"file:///tmp/a.png", false},
         {"http://", false},
         {"https://exa mple.com/a.png", false},
     };

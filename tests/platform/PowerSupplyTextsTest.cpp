@@ -9,6 +9,8 @@ namespace {
 
 using Build = std::function<void(FakePowerSupplyTree&)>;
 
+const QString acOnly = "Now drawing from 'AC Power'\n";
+
 // A tree and the text it should read as.
 struct TreeCase {
     const char* what;
@@ -49,16 +51,30 @@ TEST(PowerSupplyTexts, SystemBatteryReadsAsPmset)
         {"explicit System scope, unknown status on battery",
          [](auto& t) { t.addSupply("BAT0", {{"type", "Battery"}, {"scope", "System"}, {"capacity", "42"}, {"status", "Unknown"}}); },
          "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t42%; discharging; (no estimate) present: true\n"},
-        {"two system batteries, in name order",
+        {"two system batteries read as one, by the energy they hold; one charging is charging",
+         [](auto& t) {
+             t.addSupply("BAT0", {{"type", "Battery"}, {"capacity", "90"}, {"status", "Charging"},
+                                  {"energy_now", "45000000"}, {"energy_full", "50000000"}});
+             t.addSupply("BAT1", {{"type", "Battery"}, {"capacity", "30"}, {"status", "Discharging"},
+                                  {"charge_now", "1000000"}, {"charge_full", "2000000"}, {"voltage_min_design", "10000000"}});
+         },
+         "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t79%; charging; (no estimate) present: true\n"},
+        {"two without energy figures: the mean",
          [](auto& t) {
              t.addLaptopBattery("BAT1", 30, "Discharging");
-             t.addLaptopBattery("BAT0", 90, "Discharging");
+             t.addLaptopBattery("BAT0", 91, "Discharging");
          },
-         "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t90%; discharging; (no estimate) present: true\n"
-         " -InternalBattery-1 (id=2)\t30%; discharging; (no estimate) present: true\n"},
-        {"a mouse alone is no system battery", [](auto& t) { t.addDeviceBattery("hid-mouse-battery", "Mouse", 64); }, ""},
-        {"no battery at all, AC online", [](auto& t) { t.addMains("AC", true); }, ""},
-        {"empty tree", [](auto&) {}, ""},
+         "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t61%; discharging; (no estimate) present: true\n"},
+        {"not charging with no mains is not charging",
+         [](auto& t) {
+             t.addLaptopBattery("BAT0", 80, "Not charging");
+             t.addMains("AC", false);
+         },
+         "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t80%; discharging; (no estimate) present: true\n"},
+        // No battery: the machine runs on mains.
+        {"a mouse alone is no system battery", [](auto& t) { t.addDeviceBattery("hid-mouse-battery", "Mouse", 64); }, acOnly},
+        {"no battery at all, AC online", [](auto& t) { t.addMains("AC", true); }, acOnly},
+        {"empty tree", [](auto&) {}, acOnly},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -92,7 +108,7 @@ TEST(PowerSupplyTexts, GarbageGivesNoNumberAndNoCrash)
              t.writeRaw("AC", "type", "Mains\n");
              t.writeRaw("AC", "online", "\x01\x02");
          },
-         ""},
+         acOnly},
         {"attribute that is a folder, and a stray file beside the supplies",
          [](auto& t) {
              t.addSupply("BAT0", {{"type", "Battery"}, {"capacity", "10"}});
@@ -116,9 +132,9 @@ TEST(PowerSupplyTexts, GarbageGivesNoNumberAndNoCrash)
     }
 }
 
-TEST(PowerSupplyTexts, MissingRootGivesEmptyTexts)
+TEST(PowerSupplyTexts, MissingRootReadsAsMainsAlone)
 {
-    EXPECT_EQ(powersupply::pmsetText("/nonexistent/power_supply"), QString());
+    EXPECT_EQ(powersupply::pmsetText("/nonexistent/power_supply"), acOnly);
     EXPECT_EQ(powersupply::ioregText("/nonexistent/power_supply"), QString());
 }
 
@@ -172,4 +188,28 @@ TEST(PowerSupplyTexts, DeviceBatteriesReadAsIoregBlocks)
         c.build(tree);
         EXPECT_EQ(powersupply::ioregText(tree.root()), c.expected);
     }
+}
+
+TEST(PowerSupplyTexts, ADeviceBothSourcesListIsListedOnce)
+{
+    using powersupply::Battery;
+    const auto named = [](const QString& nativeName, const QString& model) { return Battery{nativeName, model, 50}; };
+    powersupply::Reading upower{{named("BAT0", "")},
+                                {named("/org/bluez/hci0/dev_AA_BB_CC_DD_EE_0F", "AirPods"), named("hidpp_battery_0", "Mouse")},
+                                false};
+    const powersupply::Reading tree{{named("BAT0", ""), named("BAT1", "")},
+                                    {named("hid-aa:bb:cc:dd:ee:0f-battery", "AirPods"),
+                                     named("/sys/class/power_supply/hidpp_battery_0", "Mouse"), named("hid-keyboard", "Keys")},
+                                    true};
+    const powersupply::Reading both = powersupply::merged(upower, tree);
+    const auto names = [](const QList<Battery>& list) {
+        QStringList out;
+        for (const Battery& b : list)
+            out << b.nativeName;
+        return out;
+    };
+    EXPECT_EQ(names(both.system), QStringList({"BAT0", "BAT1"}));
+    EXPECT_EQ(names(both.peripherals),
+              QStringList({"/org/bluez/hci0/dev_AA_BB_CC_DD_EE_0F", "hidpp_battery_0", "hid-keyboard"}));
+    EXPECT_TRUE(both.onMains);
 }

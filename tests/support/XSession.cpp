@@ -97,6 +97,8 @@ QProcessEnvironment XSession::environment() const
     env.insert("XDG_RUNTIME_DIR", m_home.path());
     env.remove("QT_QPA_PLATFORM");
     env.remove("DBUS_SESSION_BUS_ADDRESS");
+    // Off the machine's own UPower; a test that wants one hands its stand-in's address.
+    env.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/ombrix-no-system-bus");
     return env;
 }
 

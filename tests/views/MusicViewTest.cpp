@@ -357,6 +357,22 @@ TEST_F(MusicViewTest, OutsideTextsStayPlainAndOnOneLine)
         EXPECT_NEAR(artist->property("contentWidth").toReal(), artistMetrics.horizontalAdvance("<u>Artist</u>"), 2.0);
         view.grab().save(artifactsDir() + "/music-text-" + c.size + ".png");
     }
+    // A player's own name is outside text as well: typed as it comes, on one line.
+    settings().setMusicSize("medium");
+    for (const QString& name : QStringList{"<b>mpv</b>", "A media player whose name goes on past the widget"}) {
+        play("spotify");
+        runner->replies[musicscript::nowPlaying(musicscript::spotify)] = "Song|||Band|||x|||" + name;
+        ViewHarness view(kView, 340, 170);
+        auto* source = view.find<QQuickItem>("source");
+        ASSERT_TRUE(source);
+        EXPECT_EQ(source->property("lineCount").toInt(), 1);
+        const QFontMetricsF metrics(source->property("font").value<QFont>());
+        if (name.startsWith('<'))
+            EXPECT_NEAR(source->property("contentWidth").toReal(), metrics.horizontalAdvance(name.toUpper()), 3.0);
+        else
+            EXPECT_TRUE(source->property("truncated").toBool());
+        view.grab().save(artifactsDir() + "/music-text-source.png");
+    }
 }
 
 TEST_F(MusicViewTest, BadReadingsAndArtworkFallBackQuietly)
