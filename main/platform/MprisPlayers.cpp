@@ -1,5 +1,7 @@
 #include "MprisPlayers.h"
 
+#include "OutsideData.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -149,17 +151,21 @@ qsizetype MprisPlayers::controlTarget(const QList<Player>& players)
 MusicData MprisPlayers::readingOf(const Player& player)
 {
     MusicData data;
-    data.track = metadataText(player.metadata, "xesam:title");
-    data.artist = metadataText(player.metadata, "xesam:artist");
+    const auto cut = [](const std::optional<QString>& text) {
+        return text ? std::optional(outside::cutText(*text)) : std::nullopt;
+    };
+    data.track = cut(metadataText(player.metadata, "xesam:title"));
+    data.artist = cut(metadataText(player.metadata, "xesam:artist"));
     data.artwork = metadataText(player.metadata, "mpris:artUrl");
-    if (data.artwork && data.artwork->isEmpty())
+    if (data.artwork && (data.artwork->isEmpty() || data.artwork->size() > outside::maxAddressLength))
         data.artwork.reset();
     if (player.busName == spotifyBusName) {
         data.source = QStringLiteral("spotify");
     } else {
         // A player that gives no name of its own goes by its bus name, less the instance suffix.
         const QString identity = player.identity.trimmed();
-        data.source = identity.isEmpty() ? player.busName.mid(busPrefix.size()).section('.', 0, 0) : identity;
+        data.source = outside::cutText(identity.isEmpty() ? player.busName.mid(busPrefix.size()).section('.', 0, 0)
+                                                          : identity);
     }
     data.playing = true;
     return data;

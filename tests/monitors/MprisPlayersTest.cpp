@@ -1,4 +1,5 @@
 #include "MprisPlayers.h"
+#include "OutsideData.h"
 #include "MusicMonitor.h"
 #include "PrivateBus.h"
 
@@ -59,6 +60,13 @@ TEST(MprisRules, ReadingOfAPlayer)
     EXPECT_EQ(reading("mpv.instance4242", " ", full).source, "mpv");
     // Missing texts stay absent for the view's "—"; an empty artwork address is none.
     EXPECT_EQ(reading("mpv", "mpv", {{"mpris:artUrl", ""}}), (MusicData{std::nullopt, std::nullopt, std::nullopt, "mpv", true}));
+    // Outside texts are cut to what a screen shows; an address too long to be real is none.
+    const QString huge(1'000'000, 'x');
+    const MusicData big = reading("vlc", huge, {{"xesam:title", huge}, {"xesam:artist", huge}, {"mpris:artUrl", "file:///" + huge}});
+    EXPECT_EQ(big.track->size(), outside::maxTextLength);
+    EXPECT_EQ(big.artist->size(), outside::maxTextLength);
+    EXPECT_EQ(big.source->size(), outside::maxTextLength);
+    EXPECT_FALSE(big.artwork);
 }
 
 // Test players on a private session bus, watched through the monitor.
