@@ -17,6 +17,7 @@ Item {
     property alias maximumLineCount: label.maximumLineCount
     readonly property alias font: label.font
     readonly property alias truncated: label.truncated
+    readonly property real contentWidth: label.contentWidth / factor
     readonly property alias lineCount: label.lineCount
     readonly property real factor: Number.isInteger(size) ? 1 : 2
 
