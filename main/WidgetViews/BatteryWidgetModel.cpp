@@ -66,7 +66,13 @@ void BatteryWidgetModel::setActive(bool active)
 
 void BatteryWidgetModel::refreshDevices()
 {
-    m_devices = BatteryMonitor::shared().getBatteryDevices();
+    QList<BatteryDevice> devices = BatteryMonitor::shared().getBatteryDevices();
+    // Most polls find what the last one found: that costs the parse and nothing else, no frame
+    // and no write.
+    if (m_hasReading && devices == m_devices)
+        return;
+    m_hasReading = true;
+    m_devices = std::move(devices);
     emit devicesChanged();
     emit glowColorChanged();
     updateRings();

@@ -66,6 +66,7 @@ private:
     void updateRings();
 
     QList<BatteryDevice> m_devices;
+    bool m_hasReading = false;
     QString m_computerName = QStringLiteral("MacBook");
     bool m_active = false;
     QTimer m_timer;

@@ -16,6 +16,14 @@ constexpr const char* scutilPath = "/usr/sbin/scutil";
 
 bool onPath(const char* tool) { return !QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty(); }
 
+// The tools a machine has do not come and go between polls: the PATH is searched once per source.
+bool hasTool(std::optional<bool>& known, const char* tool)
+{
+    if (!known)
+        known = onPath(tool);
+    return *known;
+}
+
 } // namespace
 
 SystemBatteryTexts::SystemBatteryTexts(QString powerSupplyRoot, std::optional<QDBusConnection> upowerBus)
@@ -56,12 +64,12 @@ QString SystemBatteryTexts::root() const
 
 QString SystemBatteryTexts::pmsetText()
 {
-    return onPath("pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(reading());
+    return hasTool(m_hasPmset, "pmset") ? BatteryMonitor::shell("pmset -g batt") : powersupply::pmsetText(reading());
 }
 
 QString SystemBatteryTexts::ioregText()
 {
-    return onPath("ioreg") ? BatteryMonitor::shell(R"(ioreg -r -d 1 -k "BatteryPercent")")
+    return hasTool(m_hasIoreg, "ioreg") ? BatteryMonitor::shell(R"(ioreg -r -d 1 -k "BatteryPercent")")
                            : powersupply::ioregText(reading());
 }
 

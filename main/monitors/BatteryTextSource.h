@@ -43,6 +43,7 @@ private:
     powersupply::Reading reading();
 
     QString m_root;
+    std::optional<bool> m_hasPmset, m_hasIoreg;
     std::optional<QDBusConnection> m_upowerBus;
     // Made at the first reading, on the thread with the event loop; owned by the application so
     // that it goes before the bus connection does.

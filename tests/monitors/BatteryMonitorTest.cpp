@@ -351,9 +351,11 @@ TEST(BatteryMonitor, ToolsOnThePathAreRunInsteadOfTheTree)
     writeTool(tools.path(), "ioreg", "printf '\\377\\376BatteryPercent'\n");
     EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(), QList<BatteryDevice>{macbook(100, false)});
 
-    // One tool present, the other read from the tree.
+    // One tool present, the other read from the tree; a source looks for the tools once.
     QFile::remove(tools.path() + "/ioreg");
     tree.addDeviceBattery("hid-1-battery", "Magic Trackpad", 33);
+    EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(), QList<BatteryDevice>{macbook(100, false)});
+    BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(tree.root()));
     EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(),
               (QList<BatteryDevice>{macbook(100, false), accessory("magic-trackpad", "Magic Trackpad", 33, "trackpad")}));
     BatteryMonitor::shared().setTextSource(nullptr);

@@ -232,6 +232,15 @@ TEST(BatteryWidgetModel, BecomingActiveRefreshesAndPublishes)
     // Active again while active: no second refresh.
     model.setActive(true);
     EXPECT_EQ(scope.texts->pmsetCalls, 1);
+
+    // A poll that finds the same reading reads the texts and tells no one; a new reading does.
+    QSignalSpy devices(&model, &BatteryWidgetModel::devicesChanged);
+    model.refreshDevices();
+    EXPECT_EQ(scope.texts->pmsetCalls, 2);
+    EXPECT_EQ(devices.count(), 0);
+    scope.texts->ioreg = accessoryBlock("Magic Mouse", 63);
+    model.refreshDevices();
+    EXPECT_EQ(devices.count(), 1);
 }
 
 TEST(BatteryWidgetModel, TimerRunsOnlyWhileActive)
