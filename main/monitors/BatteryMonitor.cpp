@@ -5,8 +5,6 @@
 
 #include <QRegularExpression>
 #include <array>
-#include <functional>
-#include <string_view>
 
 namespace {
 
@@ -19,41 +17,89 @@ const QRegularExpression& percentPattern()
     return re;
 }
 
-const QRegularExpression& batteryPercentPattern()
-{
-    static const QRegularExpression re(QStringLiteral(R"("?BatteryPercent"?\s*=\s*(\d+))"), reOptions);
-    return re;
-}
-
 const QRegularExpression& headerPattern()
 {
     static const QRegularExpression re(QStringLiteral(R"(\+-o\s+([^<]+?)\s+<class)"), reOptions);
     return re;
 }
 
-// Unanchored, with an optional leading quote: "Product" also matches "DeviceProduct" and "Name"
-// any key ending in Name; the first match in the block wins.
-QRegularExpression namePattern(const QString& key)
+// The readers below match as `"?KEY"?\s*=\s*VALUE` would, unanchored, with \s and \d as Unicode reads
+// them: "Product" also matches "DeviceProduct" and "Name" any key ending in Name, and the first key
+// whose value reads wins. They are written out because a regular expression per block costs about a
+// microsecond of set-up alone, and a listing has a block per accessory at every poll.
+
+// A key, found by a vectorised scan for its first character: Qt's substring search visits every
+// character at several times the cost.
+struct Key {
+    QStringView text;
+
+    qsizetype in(QStringView s, qsizetype from = 0) const
+    {
+        for (qsizetype i = s.indexOf(text[0], from); i >= 0; i = s.indexOf(text[0], i + 1))
+            if (s.sliced(i).startsWith(text))
+                return i;
+        return -1;
+    }
+};
+
+constexpr Key productKey{u"Product"}, deviceProductKey{u"DeviceProduct"}, nameKey{u"Name"},
+    batteryPercentKey{u"BatteryPercent"}, markerKey{u"+-o"};
+
+qsizetype skipSpaces(QStringView s, qsizetype i)
 {
-    return QRegularExpression(R"("?)" + QRegularExpression::escape(key) + R"re("?\s*=\s*"([^"]+)")re", reOptions);
+    while (i < s.size() && s[i].isSpace())
+        ++i;
+    return i;
 }
 
-const std::array<QRegularExpression, 3>& namePatterns()
+// The value after the first key that is followed by "=", as `value` reads it there.
+template <typename Read>
+QStringView firstValue(QStringView block, const Key& key, Read value)
 {
-    static const std::array<QRegularExpression, 3> res = {namePattern("Product"), namePattern("DeviceProduct"),
-                                                          namePattern("Name")};
-    return res;
+    for (qsizetype at = key.in(block); at >= 0; at = key.in(block, at + 1)) {
+        qsizetype i = at + key.text.size();
+        if (i < block.size() && block[i] == u'"')
+            ++i;
+        i = skipSpaces(block, i);
+        if (i >= block.size() || block[i] != u'=')
+            continue;
+        if (const QStringView v = value(block.sliced(skipSpaces(block, i + 1))); !v.isEmpty())
+            return v;
+    }
+    return {};
 }
 
-// Group 1 of the first match as a signed 64-bit number, or nothing.
-std::optional<qint64> firstNumber(const QRegularExpression& re, QStringView text)
+// "([^"]+)"
+QStringView quotedText(QStringView s)
 {
-    const auto match = re.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    // Only ASCII digits convert, as with Int64(String).
+    if (s.isEmpty() || s[0] != u'"')
+        return {};
+    const qsizetype end = s.indexOf(u'"', 1);
+    return end > 1 ? s.sliced(1, end - 1) : QStringView();
+}
+
+// (\d+): decimal digits of any script, a character outside the basic plane included.
+QStringView digits(QStringView s)
+{
+    qsizetype i = 0;
+    while (i < s.size()) {
+        if (s[i].isHighSurrogate() && i + 1 < s.size() && s[i + 1].isLowSurrogate() &&
+            QChar::isDigit(QChar::surrogateToUcs4(s[i], s[i + 1])))
+            i += 2;
+        else if (s[i].isDigit())
+            ++i;
+        else
+            break;
+    }
+    return s.first(i);
+}
+
+// A run of digits as a signed 64-bit number, or nothing; only ASCII digits convert, as with
+// Int64(String).
+std::optional<qint64> number(QStringView run)
+{
     bool ok = false;
-    const qint64 value = match.capturedView(1).toLongLong(&ok);
+    const qint64 value = run.toLongLong(&ok);
     return ok ? std::optional(value) : std::nullopt;
 }
 
@@ -62,24 +108,6 @@ QStringView firstLine(QStringView block)
     static const QRegularExpression lineBreak(QStringLiteral("[\\n\\v\\f\\r\\x{85}\\x{2028}\\x{2029}]"));
     const auto match = lineBreak.match(block);
     return match.hasMatch() ? block.first(match.capturedStart()) : block;
-}
-
-// Qt's substring search visits every character; these scans run over the whole listing at every
-// poll, so they look for a rare first character (a vectorised scan) or skip ahead by the key's length.
-qsizetype indexOfMarker(QStringView text, qsizetype from)
-{
-    for (qsizetype i = text.indexOf(u'+', from); i >= 0; i = text.indexOf(u'+', i + 1))
-        if (text.sliced(i).startsWith(u"+-o"))
-            return i;
-    return -1;
-}
-
-bool hasBatteryPercent(QStringView block)
-{
-    static constexpr std::u16string_view key = u"BatteryPercent";
-    static const std::boyer_moore_horspool_searcher searcher(key.begin(), key.end());
-    const char16_t* end = block.utf16() + block.size();
-    return std::search(block.utf16(), end, searcher) != end;
 }
 
 bool isServiceClassName(const QString& name)
@@ -91,14 +119,13 @@ bool isServiceClassName(const QString& name)
 std::optional<BatteryDevice> parseBlock(QStringView block, bool hasMarker)
 {
     QString name;
-    for (const QRegularExpression& re : namePatterns()) {
-        const auto match = re.match(block);
-        if (match.hasMatch()) {
-            name = match.captured(1);
+    for (const Key* key : {&productKey, &deviceProductKey, &nameKey}) {
+        name = firstValue(block, *key, quotedText).toString();
+        if (!name.isEmpty())
             break;
-        }
     }
-    const qint64 percent = firstNumber(batteryPercentPattern(), block).value_or(100);
+    const QStringView percentDigits = firstValue(block, batteryPercentKey, digits);
+    const qint64 percent = percentDigits.isEmpty() ? 100 : number(percentDigits).value_or(100);
     if (name.isEmpty() && hasMarker) {
         const auto match = headerPattern().match(QLatin1String("+-o") + firstLine(block).toString());
         if (match.hasMatch())
@@ -107,8 +134,10 @@ std::optional<BatteryDevice> parseBlock(QStringView block, bool hasMarker)
     if (isServiceClassName(name) || name.isEmpty())
         return std::nullopt;
     name = outside::cutText(name);
-    const QString id = QString(name).replace(' ', '-').toLower();
-    return BatteryDevice{id, name, percent, false, BatteryMonitor::deviceType(name)};
+    // Lowered once: the type words hold no spaces, and lowering a lowered name copies nothing.
+    QString id = name.toLower();
+    QString type = BatteryMonitor::deviceType(id);
+    return BatteryDevice{id.replace(u' ', u'-'), name, percent, false, std::move(type)};
 }
 
 } // namespace
@@ -156,7 +185,8 @@ QList<BatteryDevice> BatteryMonitor::parseBatteryDevices(const QString& pmsetTex
 
 BatteryDevice BatteryMonitor::parseInternalBattery(const QString& pmsetText)
 {
-    const qint64 percent = firstNumber(percentPattern(), pmsetText).value_or(100);
+    const auto match = percentPattern().match(pmsetText);
+    const qint64 percent = match.hasMatch() ? number(match.capturedView(1)).value_or(100) : 100;
     // "discharging" contains "charging", hence the second half of the test.
     const bool charging = pmsetText.contains(QLatin1String("drawing from 'AC Power'")) ||
                           (pmsetText.contains(QLatin1String("charging")) &&
@@ -169,18 +199,17 @@ QList<BatteryDevice> BatteryMonitor::parseAccessories(const QString& ioregText)
     // Blocks are views into the text, so a large listing is read without copying it.
     QList<BatteryDevice> devices;
     const QStringView text(ioregText);
-    constexpr QStringView marker(u"+-o");
     qsizetype start = 0;
     for (bool hasMarker = false;; hasMarker = true) {
-        const qsizetype next = indexOfMarker(text, start);
+        const qsizetype next = markerKey.in(text, start);
         const QStringView block = text.sliced(start, (next < 0 ? text.size() : next) - start);
         // The piece ahead of the first marker had no marker, so it has no header line.
-        if (hasBatteryPercent(block))
+        if (batteryPercentKey.in(block) >= 0)
             if (const auto device = parseBlock(block, hasMarker))
                 devices.append(*device);
         if (next < 0)
             return devices;
-        start = next + marker.size();
+        start = next + markerKey.text.size();
     }
 }
 
