@@ -2,7 +2,7 @@ import QtQuick
 import Ombrix.WidgetViews
 
 // Four bars, standing on a common base line in a row 20 high, that jump to random heights while a
-// track plays.
+// track plays. The model eases them itself, at a capped frame rate.
 Item {
     id: root
     property color color: "white"
@@ -30,10 +30,6 @@ Item {
                 radius: 2
                 antialiasing: true
                 color: root.color
-                // As long as one tick, so each bar is always on its way to the latest height.
-                Behavior on height {
-                    NumberAnimation { duration: 150; easing.type: Easing.InOutQuad }
-                }
             }
         }
     }
