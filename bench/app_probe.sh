@@ -3,13 +3,15 @@
 # switched on, and reports the CPU seconds it used over a window of time and its resident memory.
 # usage: bench/app_probe.sh [SECONDS] [WIDGET...]      e.g. bench/app_probe.sh 60 clock
 # Extra settings may be given as KEY=VALUE in OMBRIX_PROBE_SETTINGS (string values); the app is
-# taken from OMBRIX_BUILD_DIR (default build/).
+# taken from OMBRIX_BUILD_DIR (default build/). OMBRIX_PROBE_WALLPAPER names an image to set as the
+# desktop background first (with feh), so the glass has a wallpaper to frost.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 secs=${1:-60}; shift || true
 widgets=("${@:-clock}")
 source scripts/xsession.sh
 ombrix_start_x
+if [ -n "${OMBRIX_PROBE_WALLPAPER:-}" ]; then feh --no-fehbg --bg-fill "$OMBRIX_PROBE_WALLPAPER"; fi
 home=$(mktemp -d)
 conf="$home/.config/OmbrixWidget"
 mkdir -p "$conf"

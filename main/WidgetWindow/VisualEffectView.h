@@ -1,9 +1,16 @@
 #pragma once
-// The frosted-glass layer. Nothing behind the window can be sampled from here, so the material is
-// carried as a tinted translucent fill (and, on KDE, the compositor is asked to blur behind the
-// window). Material 13 (HUD window) is a dark smoke; 4 (selection) a light, cool veil.
+// The frosted-glass layer. Widgets sit below every ordinary window, so what lies behind them is the
+// desktop background: the layer reads that part of the wallpaper, blurs it and lays the material's
+// tint over it, which gives frosted glass with or without a compositor. Where a compositor blurs
+// behind windows itself (KWin), or no wallpaper can be read, it is the tint alone. Material 13 (HUD
+// window) is a dark smoke; 4 (selection) a light, cool veil.
+//
+// The backdrop is one cached image, made again only when the wallpaper changes, a move ends, the
+// size, screen or material changes, or a compositor starts or stops; never while idle.
 #include <QColor>
+#include <QImage>
 #include <QQuickPaintedItem>
+#include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
 class VisualEffectView : public QQuickPaintedItem {
@@ -31,6 +38,11 @@ public:
 
     // The fill that stands for a material; unknown materials take the selection look.
     static QColor materialColor(int material);
+    // The blur strength a material implies, as a Gaussian's standard deviation in points.
+    static double blurSigma(int material);
+    // A Gaussian blur of an opaque image, made of three box blurs per direction; edges are
+    // extended, so a picture taken wider than its use by three radii blurs cleanly at its borders.
+    static QImage blurred(const QImage& image, double sigma);
 
     void paint(QPainter* painter) override;
 
@@ -40,9 +52,24 @@ signals:
     void stateChanged();
     void cornerRadiusChanged();
 
+protected:
+    void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+    void itemChange(ItemChange change, const ItemChangeData& value) override;
+
 private:
+    void scheduleRefresh();
+    void refresh();
+    void settleMove();
+    QRect deviceArea() const;
+
     int m_material = HudWindow;
     int m_blendingMode = 0;
     int m_state = 1;
     double m_cornerRadius = 0;
+
+    QImage m_backdrop;     // blurred wallpaper and tint (and, without a compositor, the corners)
+    QRect m_backdropArea;  // where on the root it was taken
+    bool m_refreshPending = false;
+    QTimer m_moveSettle;
+    QList<QMetaObject::Connection> m_windowConnections;
 };

@@ -1,6 +1,7 @@
 #include "WidgetWindow.h"
 
 #include "ContinuousCorners.h"
+#include "RootBackground.h"
 #include "Screen.h"
 #include "WidgetHostingView.h"
 #include "X11Window.h"
@@ -28,6 +29,8 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     create();
     x11::applyWidgetHints(this);
     updateMask();
+    connect(&RootBackground::shared(), &RootBackground::backgroundChanged, this, &WidgetWindow::updateMask);
+    connect(&RootBackground::shared(), &RootBackground::compositingChanged, this, &WidgetWindow::updateMask);
 
     // While the window manager drags the window, moves are not reported until the button is up,
     // so snapping never fights the user's hand.
@@ -115,5 +118,10 @@ void WidgetWindow::resizeEvent(QResizeEvent* event)
 
 void WidgetWindow::updateMask()
 {
-    setMask(corners::continuousRoundedRegion(QRect(QPoint(0, 0), size()), cornerRadius));
+    // The glass paints the wallpaper into its own corners without a compositor, and leaves them
+    // clear with one. The corners are cut away only where there is no wallpaper to paint, or where
+    // the compositor's blur behind the window must keep to the rounded shape.
+    const auto& background = RootBackground::shared();
+    const bool cut = background.compositing() ? background.compositorBlursBehind() : !background.available();
+    setMask(cut ? corners::continuousRoundedRegion(QRect(QPoint(0, 0), size()), cornerRadius) : QRegion());
 }

@@ -2,13 +2,34 @@
 
 #include "XSession.h"
 
+#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQuickItemGrabResult>
 #include <QSurfaceFormat>
 #include <QTest>
 
+namespace {
+
+// Views are looked at on their own, not over a desktop: a window over the whole screen stands where
+// a file manager's desktop window would, so the glass finds no wallpaper to frost.
+void coverDesktop()
+{
+    static QWindow* cover = [] {
+        auto* w = new QWindow();
+        w->setFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
+        w->setGeometry(QGuiApplication::primaryScreen()->geometry());
+        w->show();
+        XSession::waitFor([w] { return w->isExposed(); }, 5000);
+        return w;
+    }();
+    Q_UNUSED(cover);
+}
+
+} // namespace
+
 ViewHarness::ViewHarness(const QString& url, int width, int height)
 {
+    coverDesktop();
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     m_window = std::make_unique<QQuickWindow>();
     m_window->setFlags(Qt::FramelessWindowHint | Qt::Tool);

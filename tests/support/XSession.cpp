@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QThread>
+#include <algorithm>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -69,6 +70,8 @@ XSession::XSession(XSessionOptions options)
         startHelper("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
     if (options.composite)
         startHelper("xcompmgr", {});
+    if (!options.compositor.isEmpty())
+        startHelper(options.compositor.first(), options.compositor.mid(1));
     QDir().mkpath(configDir());
 }
 
@@ -106,6 +109,12 @@ void XSession::startHelper(const QString& program, const QStringList& args)
     p->start(program, args);
     p->waitForStarted(5000);
     m_helpers.push_back(std::move(p));
+}
+
+bool XSession::helperRunning(const QString& program) const
+{
+    return std::any_of(m_helpers.begin(), m_helpers.end(),
+                       [&](const auto& p) { return p->program() == program && p->state() == QProcess::Running; });
 }
 
 QString XSession::run(const QString& program, const QStringList& args, int timeoutMs) const

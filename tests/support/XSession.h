@@ -13,7 +13,8 @@
 
 struct XSessionOptions {
     bool tray = false;
-    bool composite = false;
+    bool composite = false;  // xcompmgr
+    QStringList compositor = {};  // or any other compositor's command line
 };
 
 class XSession {
@@ -28,6 +29,8 @@ public:
     QProcessEnvironment environment() const;
 
     // Runs a tool on this display and gives its standard output (empty on failure).
+    // Whether a helper started with the session (openbox, a compositor) still runs.
+    bool helperRunning(const QString& program) const;
     QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
 
     // Starts build/OmbrixWidget on this display with this session's HOME, plus `extra` variables
