@@ -171,7 +171,7 @@ TEST_F(MusicViewTest, ThreeCasesBothSourcesBothThemes)
         for (const QPoint p : {QPoint(1, 1), QPoint(w - 2, 1), QPoint(1, 168), QPoint(w - 2, 168)})
             EXPECT_EQ(img.pixelColor(p).alpha(), 0);
         // The frame glows only while playing: the glow layer is then present at all.
-        EXPECT_EQ(view.find<QQuickItem>("glow")->property("active").toBool(), playing);
+        EXPECT_EQ(view.find<QQuickItem>("glass")->property("glowing").toBool(), playing);
         // The bars, and their timer, exist only in the medium playing layout.
         const auto* visualizer = view.find<QQuickItem>("visualizer");
         EXPECT_EQ(visualizer != nullptr, medium);
@@ -290,7 +290,7 @@ TEST_F(MusicViewTest, APauseTakesTheLayoutAndTheBarsAwayAtOnce)
     img.save(artifactsDir() + "/music-paused-medium.png");
     EXPECT_FALSE(view.find<QQuickItem>("visualizer"));
     EXPECT_FALSE(view.find<QQuickItem>("playPauseButton"));
-    EXPECT_FALSE(view.find<QQuickItem>("glow")->property("active").toBool());
+    EXPECT_FALSE(view.find<QQuickItem>("glass")->property("glowing").toBool());
     EXPECT_EQ(countNear(img, QRect(0, 0, 340, 170), kGreen), 0);
     EXPECT_EQ(countNear(img, QRect(0, 0, 340, 170), kCover), 0);
 
@@ -377,6 +377,6 @@ TEST_F(MusicViewTest, BadReadingsAndArtworkFallBackQuietly)
         EXPECT_EQ(view.find<QQuickItem>("track")->property("text").toString(), c.track.isEmpty() ? "" : c.track);
         EXPECT_TRUE(visibleItem(view, "artPlaceholder"));
         EXPECT_EQ(model(view)->glowColor(), kPink);
-        EXPECT_TRUE(view.find<QQuickItem>("glow")->property("active").toBool());
+        EXPECT_TRUE(view.find<QQuickItem>("glass")->property("glowing").toBool());
     }
 }
