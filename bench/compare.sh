@@ -3,7 +3,10 @@
 # openbox, xcompmgr), in the same rounds, interleaved, and the medians are printed as one table.
 # usage: bench/compare.sh [ROUNDS] [SECONDS]        e.g. bench/compare.sh 5 60
 # Cases: conky (clock, date, battery text); clock only; four widgets idle; four widgets with a track
-# playing (a test MPRIS player); four widgets with the panel open.
+# playing (a test MPRIS player); four widgets with the panel open. OMBRIX_COMPARE_CASES picks some,
+# e.g. OMBRIX_COMPARE_CASES="idle playing". The panel opens at every start; in the other cases it is
+# closed with its own close control first, as a user leaves it. Private memory is what the process
+# wrote itself (private dirty pages); library pages it alone maps are counted in RSS only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 rounds=${1:-3}; secs=${2:-60}
@@ -40,6 +43,14 @@ ${battery_short BAT0} ${battery_percent BAT0}%
 ]];
 CONF
 
+# The panel's close control stands 16, 14 from its top-left corner.
+close_panel() {
+  local w WINDOW X Y WIDTH HEIGHT SCREEN
+  w=$(xdotool search --sync --name "OmbrixWidget Control Panel" | head -n1)
+  eval "$(xdotool getwindowgeometry --shell "$w")"
+  xdotool mousemove $((X + 16)) $((Y + 14)) click 1 mousemove 0 0
+}
+
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 cpu_ticks() { local sum=0; for p in "$@"; do sum=$((sum + $(ticks "$p"))); done; echo $sum; }
 hz=$(getconf CLK_TCK)
@@ -72,6 +83,8 @@ run_case() {
     pid=$(pgrep -n -f "^$build/OmbrixWidget")
     if [ "$name" = panel ]; then
       second_ms=$("$fc" mapped 5 "pid:$pid" -- "$build/OmbrixWidget" | tail -n1)
+    else
+      close_panel
     fi
   fi
   sleep 3   # start-up is not part of the steady state
@@ -83,14 +96,14 @@ run_case() {
   a1=$(ticks "$pid"); x1=$(cpu_ticks "$xserver" "$compositor")
   local rss priv
   rss=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
-  priv=$(awk '/Private_(Clean|Dirty)/ {s += $2} END {print s}' "/proc/$pid/smaps_rollup")
+  priv=$(awk '/Private_Dirty/ {s += $2} END {print s}' "/proc/$pid/smaps_rollup")
   kill "$pid"; while kill -0 "$pid" 2>/dev/null; do sleep 0.05; done
   awk -v n="$name" -v a=$((a1 - a0)) -v x=$((x1 - x0)) -v hz="$hz" -v s="$secs" -v r="$rss" -v p="$priv" \
       -v st="$start_ms" -v sc="$second_ms" -v f="${fps:--}" \
     'BEGIN { printf "%s %.3f %.3f %.1f %.1f %s %s %s\n", n, a/hz*60/s, x/hz*60/s, r/1024, p/1024, st, sc, f }'
 }
 
-cases=(conky clock idle playing panel)
+read -r -a cases <<< "${OMBRIX_COMPARE_CASES:-conky clock idle playing panel}"
 for r in $(seq "$rounds"); do
   for c in "${cases[@]}"; do run_case "$c"; done
 done > "$work/runs"
