@@ -5,7 +5,8 @@
 # Cases: conky (clock, date, battery text); clock only; four widgets idle; four widgets with a track
 # playing (a test MPRIS player); four widgets with the panel open. OMBRIX_COMPARE_CASES picks some,
 # e.g. OMBRIX_COMPARE_CASES="idle playing". The panel opens at every start; in the other cases it is
-# closed with its own close control first, as a user leaves it. Private memory is what the process
+# closed with its own close control first, as a user leaves it (in the panel case, before the
+# second start that shows it again). Private memory is what the process
 # wrote itself (private dirty pages); library pages it alone maps are counted in RSS only.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -49,6 +50,7 @@ close_panel() {
   w=$(xdotool search --sync --name "OmbrixWidget Control Panel" | head -n1)
   eval "$(xdotool getwindowgeometry --shell "$w")"
   xdotool mousemove $((X + 16)) $((Y + 14)) click 1 mousemove 0 0
+  for _ in $(seq 50); do xdotool search --onlyvisible --name "OmbrixWidget Control Panel" >/dev/null || break; sleep 0.05; done
 }
 
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
@@ -81,11 +83,9 @@ run_case() {
     export HOME=$home XDG_CONFIG_HOME=$home/.config
     start_ms=$("$fc" mapped "$windows" child -- "$build/OmbrixWidget" | tail -n1)
     pid=$(pgrep -n -f "^$build/OmbrixWidget")
-    if [ "$name" = panel ]; then
-      second_ms=$("$fc" mapped 5 "pid:$pid" -- "$build/OmbrixWidget" | tail -n1)
-    else
-      close_panel
-    fi
+    close_panel
+    # A second start shows the running copy's panel again.
+    [ "$name" = panel ] && second_ms=$("$fc" mapped 5 "pid:$pid" -- "$build/OmbrixWidget" | tail -n1)
   fi
   sleep 3   # start-up is not part of the steady state
   local a0 x0 a1 x1 fps
@@ -108,7 +108,7 @@ for r in $(seq "$rounds"); do
   for c in "${cases[@]}"; do run_case "$c"; done
 done > "$work/runs"
 
-median() { sort -g | awk '{v[NR] = $1} END {print (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2}'; }
+median() { sort -g | awk '{v[NR] = $1} END {print NR == 0 ? "-" : (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2}'; }
 printf "%-8s %12s %12s %9s %9s %9s %9s  %s\n" case "cpu s/min" "X+comp s/min" "RSS MiB" "priv MiB" \
   "start ms" "2nd ms" "frames/s per window (first round)"
 for c in "${cases[@]}"; do
