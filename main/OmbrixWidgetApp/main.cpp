@@ -68,6 +68,10 @@ int main(int argc, char** argv)
 
     // Widgets redraw a few small areas once a second: the software scene graph is the lightest.
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    // Frames are a few small regions: sent through the socket they cost less than shared memory,
+    // whose reuse makes every frame wait for the X server first.
+    if (!qEnvironmentVariableIsSet("QT_XCB_NO_MITSHM"))
+        qputenv("QT_XCB_NO_MITSHM", "1");
     QApplication app(argc, argv);
     QApplication::setApplicationName("OmbrixWidget");
     QApplication::setApplicationVersion(OMBRIX_VERSION);

@@ -2,39 +2,24 @@ import QtQuick
 import Ombrix.WidgetViews
 
 // Four bars, standing on a common base line in a row 20 high, that jump to random heights while a
-// track plays.
+// track plays. The model eases them itself, at a capped frame rate.
 Item {
     id: root
     property color color: "white"
     // Bound by the caller to being on screen: the bars tick only then.
-    property alias active: bars.active
-    property alias model: bars
+    property alias active: heights.active
+    property alias model: heights
 
-    implicitWidth: row.implicitWidth
-    implicitHeight: 20
+    implicitWidth: bars.implicitWidth
+    implicitHeight: bars.implicitHeight
 
-    MusicVisualizerModel { id: bars }
+    MusicVisualizerModel { id: heights }
 
-    Row {
-        id: row
-        anchors.bottom: parent.bottom
-        spacing: 3.5
-        Repeater {
-            model: 4
-            Rectangle {
-                required property int index
-                objectName: "bar" + index
-                anchors.bottom: parent.bottom
-                width: 3.5
-                height: bars.heights[index]
-                radius: 2
-                antialiasing: true
-                color: root.color
-                // As long as one tick, so each bar is always on its way to the latest height.
-                Behavior on height {
-                    NumberAnimation { duration: 150; easing.type: Easing.InOutQuad }
-                }
-            }
-        }
+    VisualizerBars {
+        id: bars
+        objectName: "bars"
+        anchors.fill: parent
+        model: heights
+        color: root.color
     }
 }

@@ -6,6 +6,7 @@
 
 #include <QPainter>
 #include <QQuickWindow>
+#include <QSGImageNode>
 #include <algorithm>
 #include <cmath>
 
@@ -33,9 +34,9 @@ void boxLine(const QRgb* in, QRgb* out, int n, qsizetype step, int radius)
 
 } // namespace
 
-VisualEffectView::VisualEffectView(QQuickItem* parent) : QQuickPaintedItem(parent)
+VisualEffectView::VisualEffectView(QQuickItem* parent) : QQuickItem(parent)
 {
-    setAntialiasing(true);
+    setFlag(ItemHasContents);
     // A move is over once the window has stood still for a moment with the button up.
     m_moveSettle.setSingleShot(true);
     m_moveSettle.setInterval(150);
@@ -81,7 +82,6 @@ void VisualEffectView::setMaterial(int m)
     m_material = m;
     emit materialChanged();
     scheduleRefresh();
-    update();
 }
 
 void VisualEffectView::setBlendingMode(int m)
@@ -94,7 +94,6 @@ void VisualEffectView::setState(int s)
 {
     m_state = s;
     emit stateChanged();
-    update();
 }
 
 void VisualEffectView::setCornerRadius(double r)
@@ -102,19 +101,18 @@ void VisualEffectView::setCornerRadius(double r)
     m_cornerRadius = r;
     emit cornerRadiusChanged();
     scheduleRefresh();
-    update();
 }
 
 void VisualEffectView::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry)
 {
-    QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
+    QQuickItem::geometryChange(newGeometry, oldGeometry);
     if (newGeometry.size() != oldGeometry.size())
         scheduleRefresh();
 }
 
 void VisualEffectView::itemChange(ItemChange change, const ItemChangeData& value)
 {
-    QQuickPaintedItem::itemChange(change, value);
+    QQuickItem::itemChange(change, value);
     if (change != ItemSceneChange)
         return;
     for (const auto& c : std::as_const(m_windowConnections))
@@ -164,25 +162,26 @@ void VisualEffectView::refresh()
 {
     const QRect area = deviceArea();
     const auto& background = RootBackground::shared();
-    m_backdrop = {};
     m_backdropArea = area;
+    m_image = {};
+    m_imageChanged = true;
     update();
-    if (area.isEmpty() || (background.compositing() && background.compositorBlursBehind()))
+    if (area.isEmpty())
         return;
     const double dpr = window()->devicePixelRatio();
     const double sigma = blurSigma(m_material) * dpr;
     // Taken wider than the glass, so the blur near its edges draws on what really lies beyond them.
     const int pad = int(std::ceil(3 * sigma));
-    const QImage source = background.grab(area.adjusted(-pad, -pad, pad, pad));
-    if (source.isNull())
-        return;
+    QImage source;
+    if (!background.compositing() || !background.compositorBlursBehind())
+        source = background.grab(area.adjusted(-pad, -pad, pad, pad));
 
     QImage out(area.size(), QImage::Format_ARGB32_Premultiplied);
     out.fill(Qt::transparent);
     QPainter p(&out);
     // Without a compositor the window is opaque: its corners show the wallpaper as it is, so the
     // rounded edge is drawn, anti-aliased, against what surrounds the window.
-    if (!background.compositing())
+    if (!source.isNull() && !background.compositing())
         p.drawImage(QPoint(0, 0), source, QRect(QPoint(pad, pad), area.size()));
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF box(QPointF(0, 0), QSizeF(area.size()));
@@ -191,27 +190,35 @@ void VisualEffectView::refresh()
         shape = corners::continuousRoundedRect(box, m_cornerRadius * dpr);
     else
         shape.addRect(box);
-    QBrush frosted(blurred(source, sigma));
-    frosted.setTransform(QTransform::fromTranslate(-pad, -pad));
-    p.fillPath(shape, frosted);
+    if (!source.isNull()) {
+        QBrush frosted(blurred(source, sigma));
+        frosted.setTransform(QTransform::fromTranslate(-pad, -pad));
+        p.fillPath(shape, frosted);
+    }
     p.fillPath(shape, materialColor(m_material));
+    p.scale(dpr, dpr);
+    paintOver(&p, size());
     p.end();
     out.setDevicePixelRatio(dpr);
-    m_backdrop = out;
+    m_image = out;
 }
 
-void VisualEffectView::paint(QPainter* painter)
+QSGNode* VisualEffectView::updatePaintNode(QSGNode* node, UpdatePaintNodeData*)
 {
-    const QRectF r(0, 0, width(), height());
-    if (!m_backdrop.isNull()) {
-        painter->drawImage(r, m_backdrop);
-        return;
+    if (m_imageChanged) {
+        // A new node owns the new texture; the old one takes its texture with it.
+        m_imageChanged = false;
+        delete node;
+        node = nullptr;
+        if (!m_image.isNull()) {
+            auto* image = window()->createImageNode();
+            image->setTexture(window()->createTextureFromImage(m_image));
+            image->setOwnsTexture(true);
+            node = image;
+        }
+        m_image = {};
     }
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(materialColor(m_material));
-    if (m_cornerRadius > 0)
-        painter->drawPath(corners::continuousRoundedRect(r, m_cornerRadius));
-    else
-        painter->fillRect(r, materialColor(m_material));
+    if (node)
+        static_cast<QSGImageNode*>(node)->setRect(boundingRect());
+    return node;
 }

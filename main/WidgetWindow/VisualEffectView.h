@@ -6,14 +6,16 @@
 // window) is a dark smoke; 4 (selection) a light, cool veil.
 //
 // The backdrop is one cached image, made again only when the wallpaper changes, a move ends, the
-// size, screen or material changes, or a compositor starts or stops; never while idle.
+// size, screen or material changes, or a compositor starts or stops; never while idle. A subclass
+// may paint further still layers over it (paintOver), which then cost no item and no image of
+// their own. The image lives only as the scene graph's texture once that is made.
 #include <QColor>
 #include <QImage>
-#include <QQuickPaintedItem>
+#include <QQuickItem>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
-class VisualEffectView : public QQuickPaintedItem {
+class VisualEffectView : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(int material READ material WRITE setMaterial NOTIFY materialChanged)
@@ -44,8 +46,6 @@ public:
     // extended, so a picture taken wider than its use by three radii blurs cleanly at its borders.
     static QImage blurred(const QImage& image, double sigma);
 
-    void paint(QPainter* painter) override;
-
 signals:
     void materialChanged();
     void blendingModeChanged();
@@ -53,11 +53,16 @@ signals:
     void cornerRadiusChanged();
 
 protected:
+    // Painted in points over the backdrop, inside the same image.
+    virtual void paintOver(QPainter*, const QSizeF&) {}
+    // The image is made again at the next turn of the event loop; several calls make one.
+    void scheduleRefresh();
+
+    QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData*) override;
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
     void itemChange(ItemChange change, const ItemChangeData& value) override;
 
 private:
-    void scheduleRefresh();
     void refresh();
     void settleMove();
     QRect deviceArea() const;
@@ -67,9 +72,10 @@ private:
     int m_state = 1;
     double m_cornerRadius = 0;
 
-    QImage m_backdrop;     // blurred wallpaper and tint (and, without a compositor, the corners)
+    QImage m_image;        // blurred wallpaper, tint and overlay, until the scene graph takes it
     QRect m_backdropArea;  // where on the root it was taken
     bool m_refreshPending = false;
+    bool m_imageChanged = false;
     QTimer m_moveSettle;
     QList<QMetaObject::Connection> m_windowConnections;
 };

@@ -118,6 +118,7 @@ void DefaultsSuite::load()
         if (const auto value = decodeLine(line))
             m_values.insert(key.toString(), *value);
     }
+    m_synced = encoded();
 }
 
 const QVariant* DefaultsSuite::find(const QString& key, int typeId) const
@@ -166,13 +167,25 @@ void DefaultsSuite::setObject(const QVariant& value, const QString& key)
 
 void DefaultsSuite::removeObject(const QString& key) { m_values.remove(key); }
 
-bool DefaultsSuite::synchronize()
+QByteArray DefaultsSuite::encoded() const
 {
     QByteArray out;
     for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
         out += QJsonDocument(encodeLine(it.key(), it.value())).toJson(QJsonDocument::Compact);
         out += '\n';
     }
+    return out;
+}
+
+bool DefaultsSuite::synchronize()
+{
+    // A value set again as it was (every enabled widget at launch) costs no write.
+    const QByteArray out = encoded();
+    if (out == m_synced)
+        return true;
     // On failure the values stay in memory, so the next successful save writes them all.
-    return atomicfile::replace(m_path, out);
+    if (!atomicfile::replace(m_path, out))
+        return false;
+    m_synced = out;
+    return true;
 }

@@ -28,8 +28,8 @@ public:
     // Takes bool, QString, QByteArray or QStringList; any other kind is dropped.
     void setObject(const QVariant& value, const QString& key);
     void removeObject(const QString& key);
-    // Writes the whole suite atomically; false when the write failed, the file then as it was and
-    // the values kept here for the next call.
+    // Writes the whole suite atomically, unless the file already holds exactly that; false when the
+    // write failed, the file then as it was and the values kept here for the next call.
     bool synchronize();
 
     QString filePath() const { return m_path; }
@@ -37,9 +37,11 @@ public:
 private:
     explicit DefaultsSuite(QString path);
     void load();
+    QByteArray encoded() const;
     // The stored value under `key` if it is of that kind.
     const QVariant* find(const QString& key, int typeId) const;
 
     QString m_path;
     QMap<QString, QVariant> m_values;
+    QByteArray m_synced; // what the file holds as far as this process knows
 };

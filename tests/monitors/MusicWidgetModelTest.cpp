@@ -352,8 +352,8 @@ TEST(MusicVisualizer, HeightsStayInTheirRange)
     QSet<qreal> seen;
     for (int i = 0; i < 500; ++i) {
         visualizer.tick();
-        ASSERT_EQ(visualizer.heights().size(), 4);
-        for (qreal h : visualizer.heights()) {
+        ASSERT_EQ(visualizer.targets().size(), 4);
+        for (qreal h : visualizer.targets()) {
             ASSERT_GE(h, 4.0);
             ASSERT_LE(h, 20.0);
             seen.insert(h);
@@ -369,6 +369,15 @@ TEST(MusicVisualizer, HeightsStayInTheirRange)
     }
     EXPECT_LT(low, 4.1); // spread over the whole range
     EXPECT_GT(high, 19.9);
+}
+
+TEST(MusicVisualizer, EasesInAndOut)
+{
+    const struct { qreal progress, height; } cases[] = {
+        {-1, 4}, {0, 4}, {0.25, 6}, {0.5, 12}, {0.75, 18}, {1, 20}, {2, 20},
+    };
+    for (const auto& c : cases)
+        EXPECT_DOUBLE_EQ(MusicVisualizerModel::eased(4, 20, c.progress), c.height) << c.progress;
 }
 
 TEST(MusicVisualizer, TicksOnlyWhileActive)

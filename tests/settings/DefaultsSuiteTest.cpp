@@ -171,3 +171,24 @@ TEST(DefaultsSuite, SaveOnAFullDiskLeavesTheFileAndKeepsTheValuesForTheNextSave)
     EXPECT_EQ(reopened->boolForKey("widget.clock.enabled"), false);
     EXPECT_EQ(reopened->stringForKey("big"), QString(2000, 'p'));
 }
+
+TEST(DefaultsSuite, ValueSetAgainAsItWasWritesNothing)
+{
+    QTemporaryDir dir;
+    auto suite = DefaultsSuite::open("group.test", dir.path());
+    suite->setObject(true, "a");
+    ASSERT_TRUE(suite->synchronize());
+    // Stands for the file as written; a second write would replace it.
+    QFile f(suite->filePath());
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("{\"k\":\"a\",\"bool\":true}\n{\"k\":\"mark\",\"bool\":true}\n");
+    f.close();
+    suite->setObject(true, "a");
+    EXPECT_TRUE(suite->synchronize());
+    EXPECT_TRUE(DefaultsSuite::open("group.test", dir.path())->boolForKey("mark"));
+    suite->setObject(false, "a");
+    EXPECT_TRUE(suite->synchronize());
+    auto again = DefaultsSuite::open("group.test", dir.path());
+    EXPECT_EQ(again->boolForKey("a"), false);
+    EXPECT_FALSE(again->boolForKey("mark"));
+}

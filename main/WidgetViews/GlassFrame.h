@@ -1,8 +1,9 @@
 #pragma once
-// The painted layers of the glass frame (tint, sheen, glow, border), each in the continuous-corner
-// shape, and the two themes' numbers.
+// The glass frame's still layers (frosted backdrop, tint, sheen, glow, border), each in the
+// continuous-corner shape, drawn together into the backdrop's one image; and the two themes' numbers.
+#include "VisualEffectView.h"
+
 #include <QColor>
-#include <QQuickPaintedItem>
 #include <QtQml/qqmlregistration.h>
 #include <array>
 
@@ -15,38 +16,33 @@ struct GlassTheme {
     static GlassTheme forName(const QString& theme);
 };
 
-class GlassLayer : public QQuickPaintedItem {
+class GlassFrame : public VisualEffectView {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(Kind kind READ kind WRITE setKind NOTIFY changed)
     Q_PROPERTY(QString theme READ theme WRITE setTheme NOTIFY changed)
     Q_PROPERTY(QColor glowColor READ glowColor WRITE setGlowColor NOTIFY changed)
-    Q_PROPERTY(int material READ material NOTIFY changed)
+    // The glow layer is drawn at all: not while the colour is clear.
+    Q_PROPERTY(bool glowing READ glowing NOTIFY changed)
 
 public:
-    enum Kind { Tint, Sheen, Glow, Border };
-    Q_ENUM(Kind)
-
-    static constexpr double cornerRadius = 28.0;
+    static constexpr double radius = 28.0;
     static constexpr double glowRadius = 110.0;
 
-    explicit GlassLayer(QQuickItem* parent = nullptr);
+    explicit GlassFrame(QQuickItem* parent = nullptr);
 
-    Kind kind() const { return m_kind; }
-    void setKind(Kind k);
     QString theme() const { return m_theme; }
     void setTheme(const QString& t);
     QColor glowColor() const { return m_glowColor; }
     void setGlowColor(const QColor& c);
-    int material() const { return GlassTheme::forName(m_theme).material; }
-
-    void paint(QPainter* painter) override;
+    bool glowing() const { return m_glowColor.alpha() > 0; }
 
 signals:
     void changed();
 
+protected:
+    void paintOver(QPainter* painter, const QSizeF& size) override;
+
 private:
-    Kind m_kind = Tint;
     QString m_theme = "transparent";
     QColor m_glowColor = Qt::transparent;
 };
