@@ -64,8 +64,17 @@ XSession::XSession(XSessionOptions options)
     if (!number.contains('\n'))
         return;
     m_display = ":" + QString::fromLatin1(number.trimmed());
-    startWindowManager(options.windowManager);
-    waitFor([&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); }, 15000);
+    // On a loaded machine a manager now and then never gets going on a new display; another start
+    // of it does.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        startWindowManager(options.windowManager);
+        m_managed = waitFor([&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); }, 8000);
+        if (m_managed)
+            break;
+        m_helpers.back()->kill();
+        m_helpers.back()->waitForFinished(3000);
+        m_helpers.pop_back();
+    }
     if (options.tray)
         startHelper("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
     if (options.composite)

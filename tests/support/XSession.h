@@ -24,7 +24,7 @@ public:
     explicit XSession(XSessionOptions options = {});
     ~XSession();
 
-    bool ok() const { return !m_display.isEmpty(); }
+    bool ok() const { return !m_display.isEmpty() && m_managed; }
     QString display() const { return m_display; }
     QString home() const { return m_home.path(); }
     QString configDir() const { return m_home.path() + "/.config/OmbrixWidget"; }
@@ -60,6 +60,7 @@ private:
     QString m_display;
     std::unique_ptr<QProcess> m_xvfb;
     std::vector<std::unique_ptr<QProcess>> m_helpers;
+    bool m_managed = false; // a window manager answers on the display
     std::unique_ptr<QProcess> m_app;
 };
 
