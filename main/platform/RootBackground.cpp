@@ -1,5 +1,7 @@
 #include "RootBackground.h"
 
+#include "X11Connection.h"
+
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPointer>
@@ -12,13 +14,8 @@
 
 namespace {
 
-xcb_connection_t* connection()
-{
-    auto* x = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x ? x->connection() : nullptr;
-}
-
-xcb_screen_t* rootScreen(xcb_connection_t* c) { return xcb_setup_roots_iterator(xcb_get_setup(c)).data; }
+using x11::connection;
+using x11::rootScreen;
 
 // Several atoms in one round trip.
 template <size_t N>

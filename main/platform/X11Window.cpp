@@ -1,6 +1,7 @@
 #include "X11Window.h"
 
-#include <QGuiApplication>
+#include "X11Connection.h"
+
 #include <QWindow>
 #include <vector>
 #include <xcb/xcb.h>
@@ -8,12 +9,6 @@
 namespace x11 {
 
 namespace {
-
-xcb_connection_t* connection()
-{
-    auto* x = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x ? x->connection() : nullptr;
-}
 
 xcb_atom_t atom(xcb_connection_t* c, const char* name, bool onlyIfExists = false)
 {
@@ -28,7 +23,7 @@ xcb_atom_t atom(xcb_connection_t* c, const char* name, bool onlyIfExists = false
 
 xcb_window_t rootOf(xcb_connection_t* c)
 {
-    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+    const xcb_screen_t* screen = rootScreen(c);
     return screen ? screen->root : xcb_window_t(XCB_WINDOW_NONE);
 }
 
