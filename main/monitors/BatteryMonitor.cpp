@@ -168,8 +168,8 @@ QString BatteryMonitor::shell(const QString& command)
 
 QList<BatteryDevice> BatteryMonitor::getBatteryDevices()
 {
-    const QString pmset = m_source->pmsetText();
-    return parseBatteryDevices(pmset, m_source->ioregText());
+    const auto [pmset, ioreg] = m_source->texts();
+    return parseBatteryDevices(pmset, ioreg);
 }
 
 QString BatteryMonitor::getComputerName()

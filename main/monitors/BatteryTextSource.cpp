@@ -73,6 +73,14 @@ QString SystemBatteryTexts::ioregText()
                            : powersupply::ioregText(reading());
 }
 
+std::pair<QString, QString> SystemBatteryTexts::texts()
+{
+    if (hasTool(m_hasPmset, "pmset") || hasTool(m_hasIoreg, "ioreg"))
+        return BatteryTextSource::texts();
+    const powersupply::Reading now = reading();
+    return {powersupply::pmsetText(now), powersupply::ioregText(now)};
+}
+
 QString SystemBatteryTexts::computerName()
 {
     if (QFileInfo(scutilPath).isExecutable()) {

@@ -8,6 +8,7 @@
 #include <QString>
 #include <functional>
 #include <optional>
+#include <utility>
 
 class UPowerDevices;
 
@@ -17,6 +18,12 @@ public:
     virtual QString pmsetText() = 0;    // the text of `pmset -g batt`
     virtual QString ioregText() = 0;    // the text of `ioreg -r -d 1 -k "BatteryPercent"`
     virtual QString computerName() = 0; // empty when nothing knows it
+    // Both texts of one reading, pmset's first.
+    virtual std::pair<QString, QString> texts()
+    {
+        QString pmset = pmsetText();
+        return {std::move(pmset), ioregText()};
+    }
     // Called when the source learns of a change by itself, between polls.
     virtual void setChangeHandler(std::function<void()> onChange) { (void)onChange; }
 };
@@ -35,6 +42,8 @@ public:
 
     QString pmsetText() override;
     QString ioregText() override;
+    // Where neither tool is installed, both texts are rendered from one reading of the machine.
+    std::pair<QString, QString> texts() override;
     QString computerName() override;
     void setChangeHandler(std::function<void()> onChange) override;
 
