@@ -149,4 +149,7 @@ void AppDelegate::windowDidMove(QObject* sender)
     m_isSnapping = false;
 }
 
-void AppDelegate::quitApp() { QCoreApplication::quit(); }
+void AppDelegate::quitApp()
+{
+    QCoreApplication::quit();
+}

@@ -20,7 +20,7 @@ struct Position;
 class AppDelegate : public QObject {
     Q_OBJECT
 
-public:
+  public:
     explicit AppDelegate(QObject* parent = nullptr);
     ~AppDelegate() override;
 
@@ -46,7 +46,7 @@ public:
     QQuickWindow* controlPanelWindow() const { return m_controlPanelWindow; }
     QQmlEngine* engine() const { return m_engine.get(); }
 
-private:
+  private:
     QSystemTrayIcon* m_statusBarItem = nullptr;
     std::unique_ptr<QMenu> m_statusMenu;
     QQuickWindow* m_controlPanelWindow = nullptr;

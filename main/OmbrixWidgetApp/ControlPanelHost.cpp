@@ -15,7 +15,6 @@
 #include <QQuickWindow>
 #include <QSystemTrayIcon>
 
-
 void AppDelegate::setupStatusBarItem()
 {
     m_statusBarItem = new QSystemTrayIcon(this);

@@ -5,7 +5,10 @@
 namespace snapping {
 
 namespace {
-bool near(double a, double b) { return std::fabs(a - b) < threshold; }
+bool near(double a, double b)
+{
+    return std::fabs(a - b) < threshold;
+}
 } // namespace
 
 Rect snap(Rect f, const Rect& v, const std::vector<Rect>& others)

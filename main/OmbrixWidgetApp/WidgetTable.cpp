@@ -4,7 +4,10 @@
 
 namespace widgets {
 
-double widthForSize(const QString& size) { return size == "medium" ? 340.0 : 170.0; }
+double widthForSize(const QString& size)
+{
+    return size == "medium" ? 340.0 : 170.0;
+}
 
 QString viewName(const QString& name)
 {
@@ -35,13 +38,19 @@ std::optional<Position> defaultOrigin(const QString& name, const Rect& v, double
 
 // The store's properties are named after the widget ("clockSize", "musicEnabled"); an unknown
 // name reads as empty and false.
-QString sizeOf(const SettingsManager& s, const QString& name) { return s.property((name + "Size").toLatin1()).toString(); }
+QString sizeOf(const SettingsManager& s, const QString& name)
+{
+    return s.property((name + "Size").toLatin1()).toString();
+}
 
 bool clickThroughOf(const SettingsManager& s, const QString& name)
 {
     return s.property((name + "ClickThrough").toLatin1()).toBool();
 }
 
-bool enabledOf(const SettingsManager& s, const QString& name) { return s.property((name + "Enabled").toLatin1()).toBool(); }
+bool enabledOf(const SettingsManager& s, const QString& name)
+{
+    return s.property((name + "Enabled").toLatin1()).toBool();
+}
 
 } // namespace widgets

@@ -54,7 +54,9 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
     if (qgetenv("QT_QPA_PLATFORM").startsWith("xcb") && !x11::displayReachable()) {
-        std::fprintf(stderr, "OmbrixWidget: nessun display X raggiungibile (DISPLAY=\"%s\"): serve una sessione grafica X11 o XWayland.\n",
+        std::fprintf(stderr,
+                     "OmbrixWidget: nessun display X raggiungibile (DISPLAY=\"%s\"): serve una sessione grafica X11 o "
+                     "XWayland.\n",
                      qgetenv("DISPLAY").constData());
         return 1;
     }

@@ -11,7 +11,7 @@ class ArtworkImage : public QQuickPaintedItem {
     Q_PROPERTY(QImage image READ image WRITE setImage NOTIFY imageChanged)
     Q_PROPERTY(qreal radius READ radius WRITE setRadius NOTIFY radiusChanged)
 
-public:
+  public:
     explicit ArtworkImage(QQuickItem* parent = nullptr);
 
     // The part of an image of `imageSize` that fills `frame`: the largest centred piece of the
@@ -25,11 +25,11 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void imageChanged();
     void radiusChanged();
 
-private:
+  private:
     QImage m_image;
     qreal m_radius = 0;
 };

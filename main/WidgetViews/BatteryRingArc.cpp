@@ -10,8 +10,7 @@ BatteryRingArc::BatteryRingArc(QQuickItem* parent) : QQuickPaintedItem(parent)
     setAcceptedMouseButtons(Qt::NoButton);
 }
 
-template <typename T>
-void BatteryRingArc::set(T& field, const T& value)
+template <typename T> void BatteryRingArc::set(T& field, const T& value)
 {
     if (field != value) {
         field = value;
@@ -20,10 +19,22 @@ void BatteryRingArc::set(T& field, const T& value)
     emit changed();
 }
 
-void BatteryRingArc::setProgress(qreal p) { set(m_progress, p); }
-void BatteryRingArc::setLineWidth(qreal w) { set(m_lineWidth, std::max<qreal>(0, w)); }
-void BatteryRingArc::setColor(const QColor& c) { set(m_color, c); }
-void BatteryRingArc::setTrackColor(const QColor& c) { set(m_trackColor, c); }
+void BatteryRingArc::setProgress(qreal p)
+{
+    set(m_progress, p);
+}
+void BatteryRingArc::setLineWidth(qreal w)
+{
+    set(m_lineWidth, std::max<qreal>(0, w));
+}
+void BatteryRingArc::setColor(const QColor& c)
+{
+    set(m_color, c);
+}
+void BatteryRingArc::setTrackColor(const QColor& c)
+{
+    set(m_trackColor, c);
+}
 
 qreal BatteryRingArc::sweepDegrees(qreal progress)
 {

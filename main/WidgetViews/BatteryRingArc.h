@@ -15,7 +15,7 @@ class BatteryRingArc : public QQuickPaintedItem {
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY changed)
     Q_PROPERTY(QColor trackColor READ trackColor WRITE setTrackColor NOTIFY changed)
 
-public:
+  public:
     explicit BatteryRingArc(QQuickItem* parent = nullptr);
 
     qreal progress() const { return m_progress; }
@@ -31,12 +31,11 @@ public:
     static qreal sweepDegrees(qreal progress);
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void changed();
 
-private:
-    template <typename T>
-    void set(T& field, const T& value);
+  private:
+    template <typename T> void set(T& field, const T& value);
 
     qreal m_progress = 0;
     qreal m_lineWidth = 5;

@@ -19,7 +19,7 @@ class BatteryRingListModel : public QAbstractListModel {
     QML_ELEMENT
     QML_UNCREATABLE("Owned by BatteryWidgetModel")
 
-public:
+  public:
     enum Role {
         IdRole = Qt::UserRole + 1,
         NameRole,
@@ -45,6 +45,6 @@ public:
     void setRings(const QList<BatteryRing>& rings);
     const QList<BatteryRing>& rings() const { return m_rings; }
 
-private:
+  private:
     QList<BatteryRing> m_rings;
 };

@@ -130,7 +130,7 @@ QList<BatteryRing> BatteryWidgetModel::ringsFor(const QList<BatteryDevice>& devi
 QString BatteryWidgetModel::iconNameFor(const QString& type)
 {
     static const QList<std::pair<QString, QString>> table = {
-        {"macbook", "laptopcomputer"}, {"watch", "applewatch"},        {"mouse", "mouse"},
+        {"macbook", "laptopcomputer"}, {"watch", "applewatch"},           {"mouse", "mouse"},
         {"keyboard", "keyboard"},      {"trackpad", "ipad.and.trackpad"}, {"airpods", "airpods"},
     };
     for (const auto& [t, symbol] : table) {

@@ -22,7 +22,7 @@ class BatteryWidgetModel : public QObject {
     Q_PROPERTY(BatteryRingListModel* visibleRings READ visibleRings CONSTANT)
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
 
-public:
+  public:
     static constexpr int refreshIntervalMs = 4000;
 
     explicit BatteryWidgetModel(QObject* parent = nullptr);
@@ -55,14 +55,14 @@ public:
     static QString percentText(qint64 percent);
     static QString statusText(const BatteryRing& ring); // the row under the name
 
-signals:
+  signals:
     void devicesChanged();
     void computerNameChanged();
     void glowColorChanged();
     void isSmallChanged();
     void activeChanged();
 
-private:
+  private:
     void updateRings();
 
     QList<BatteryDevice> m_devices;

@@ -8,7 +8,7 @@ class AnalogClockDial : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
 
-public:
+  public:
     explicit AnalogClockDial(QQuickItem* parent = nullptr);
     // The 60 tick segments for a w by h box, y down.
     static QPainterPath tickPath(double w, double h);

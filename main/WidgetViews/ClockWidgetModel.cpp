@@ -12,7 +12,10 @@ ClockWidgetModel::TimeSource& timeSource()
     return source;
 }
 
-QLocale italian() { return QLocale(QLocale::Italian, QLocale::Italy); }
+QLocale italian()
+{
+    return QLocale(QLocale::Italian, QLocale::Italy);
+}
 
 QString capitalizedWords(const QString& text)
 {
@@ -32,7 +35,10 @@ QString capitalizedWords(const QString& text)
 
 } // namespace
 
-void ClockWidgetModel::setTimeSource(TimeSource source) { timeSource() = std::move(source); }
+void ClockWidgetModel::setTimeSource(TimeSource source)
+{
+    timeSource() = std::move(source);
+}
 
 ClockWidgetModel::ClockWidgetModel(QObject* parent) : QObject(parent)
 {
@@ -97,26 +103,47 @@ void ClockWidgetModel::updateCity()
     }
 }
 
-QString ClockWidgetModel::shortDateString(const QDateTime& d) { return italian().toString(d, "ddd d").toUpper(); }
+QString ClockWidgetModel::shortDateString(const QDateTime& d)
+{
+    return italian().toString(d, "ddd d").toUpper();
+}
 
 QString ClockWidgetModel::fullDateString(const QDateTime& d)
 {
     return italian().toString(d, "dddd, d MMM").toUpper();
 }
 
-QString ClockWidgetModel::timeString(const QDateTime& d) { return d.toString("HH:mm"); }
+QString ClockWidgetModel::timeString(const QDateTime& d)
+{
+    return d.toString("HH:mm");
+}
 
-QString ClockWidgetModel::secondsString(const QDateTime& d) { return QString::number(d.time().second()) + " s"; }
+QString ClockWidgetModel::secondsString(const QDateTime& d)
+{
+    return QString::number(d.time().second()) + " s";
+}
 
-QString ClockWidgetModel::weekdayName(const QDateTime& d) { return capitalizedWords(italian().toString(d, "dddd")); }
+QString ClockWidgetModel::weekdayName(const QDateTime& d)
+{
+    return capitalizedWords(italian().toString(d, "dddd"));
+}
 
-QString ClockWidgetModel::dayNumString(const QDateTime& d) { return d.toString("d"); }
+QString ClockWidgetModel::dayNumString(const QDateTime& d)
+{
+    return d.toString("d");
+}
 
 double ClockWidgetModel::hourAngle(const QDateTime& d)
 {
     return (d.time().hour() % 12) * 30.0 + d.time().minute() * 0.5;
 }
 
-double ClockWidgetModel::minuteAngle(const QDateTime& d) { return d.time().minute() * 6.0 + d.time().second() * 0.1; }
+double ClockWidgetModel::minuteAngle(const QDateTime& d)
+{
+    return d.time().minute() * 6.0 + d.time().second() * 0.1;
+}
 
-double ClockWidgetModel::secondAngle(const QDateTime& d) { return d.time().second() * 6.0; }
+double ClockWidgetModel::secondAngle(const QDateTime& d)
+{
+    return d.time().second() * 6.0;
+}

@@ -23,7 +23,7 @@ class ClockWidgetModel : public QObject {
     Q_PROPERTY(double minuteAngle READ minuteAngle NOTIFY currentDateChanged)
     Q_PROPERTY(double secondAngle READ secondAngle NOTIFY currentDateChanged)
 
-public:
+  public:
     using TimeSource = std::function<QDateTime()>;
 
     explicit ClockWidgetModel(QObject* parent = nullptr);
@@ -59,12 +59,12 @@ public:
 
     Q_INVOKABLE void updateCity();
 
-signals:
+  signals:
     void activeChanged();
     void currentDateChanged();
     void cityChanged();
 
-private:
+  private:
     void tick();
     void weatherSettingsChanged();
 

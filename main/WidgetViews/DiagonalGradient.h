@@ -12,7 +12,7 @@ class DiagonalGradient : public QQuickPaintedItem {
     Q_PROPERTY(QColor endColor READ endColor WRITE setEndColor NOTIFY changed)
     Q_PROPERTY(double radius READ radius WRITE setRadius NOTIFY changed)
 
-public:
+  public:
     explicit DiagonalGradient(QQuickItem* parent = nullptr);
 
     QColor startColor() const { return m_start; }
@@ -24,10 +24,10 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void changed();
 
-private:
+  private:
     QColor m_start = Qt::white;
     QColor m_end = Qt::black;
     double m_radius = 0;

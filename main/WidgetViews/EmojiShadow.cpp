@@ -84,8 +84,7 @@ void EmojiShadow::setRadius(int r)
     changeAndRepaint();
 }
 
-QImage EmojiShadow::shadowImage(const QString& text, const QFont& font, const QColor& color, int radius,
-                                QSize size)
+QImage EmojiShadow::shadowImage(const QString& text, const QFont& font, const QColor& color, int radius, QSize size)
 {
     QImage glyphs(size, QImage::Format_ARGB32_Premultiplied);
     glyphs.fill(Qt::transparent);

@@ -17,7 +17,7 @@ class EmojiShadow : public QQuickPaintedItem {
     // How far the blur reaches; the item should extend this far beyond the text on every side.
     Q_PROPERTY(int radius READ radius WRITE setRadius NOTIFY changed)
 
-public:
+  public:
     explicit EmojiShadow(QQuickItem* parent = nullptr);
 
     QString text() const { return m_text; }
@@ -30,14 +30,13 @@ public:
     void setRadius(int r);
 
     // The shadow of `text` drawn with its top left at (radius, radius) in a box of `size`.
-    static QImage shadowImage(const QString& text, const QFont& font, const QColor& color, int radius,
-                              QSize size);
+    static QImage shadowImage(const QString& text, const QFont& font, const QColor& color, int radius, QSize size);
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void changed();
 
-private:
+  private:
     void changeAndRepaint();
 
     QString m_text;

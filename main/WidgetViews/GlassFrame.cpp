@@ -7,8 +7,14 @@
 #include <QRadialGradient>
 
 namespace {
-QColor white(double a) { return QColor::fromRgbF(1, 1, 1, float(a)); }
-QColor black(double a) { return QColor::fromRgbF(0, 0, 0, float(a)); }
+QColor white(double a)
+{
+    return QColor::fromRgbF(1, 1, 1, float(a));
+}
+QColor black(double a)
+{
+    return QColor::fromRgbF(0, 0, 0, float(a));
+}
 } // namespace
 
 GlassTheme GlassTheme::forName(const QString& theme)

@@ -24,7 +24,7 @@ class GlassFrame : public VisualEffectView {
     // The glow layer is drawn at all: not while the colour is clear.
     Q_PROPERTY(bool glowing READ glowing NOTIFY changed)
 
-public:
+  public:
     static constexpr double radius = 28.0;
     static constexpr double glowRadius = 110.0;
 
@@ -36,13 +36,13 @@ public:
     void setGlowColor(const QColor& c);
     bool glowing() const { return m_glowColor.alpha() > 0; }
 
-signals:
+  signals:
     void changed();
 
-protected:
+  protected:
     void paintOver(QPainter* painter, const QSizeF& size) override;
 
-private:
+  private:
     QString m_theme = "transparent";
     QColor m_glowColor = Qt::transparent;
 };

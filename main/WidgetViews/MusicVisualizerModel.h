@@ -15,7 +15,7 @@ class MusicVisualizerModel : public QObject {
     // Bound by the view to its visibility: ticks only while true.
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
 
-public:
+  public:
     static constexpr int barCount = 4;
     static constexpr qreal minHeight = 4;
     static constexpr qreal maxHeight = 20;
@@ -40,11 +40,11 @@ public:
     // Every bar draws a new height and starts easing towards it from where it stands.
     void tick();
 
-signals:
+  signals:
     void heightsChanged();
     void activeChanged();
 
-private:
+  private:
     void frame();
 
     QList<qreal> m_heights = QList<qreal>(barCount, minHeight);

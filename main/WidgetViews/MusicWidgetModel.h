@@ -35,7 +35,7 @@ class MusicWidgetModel : public QObject {
     Q_PROPERTY(QColor accentPink READ accentPink CONSTANT)
     Q_PROPERTY(QColor accentOrange READ accentOrange CONSTANT)
 
-public:
+  public:
     static constexpr int pollIntervalMs = 3000;
     static constexpr int followUpMs = 300;
     static constexpr qint64 maxLocalArtworkBytes = 8 * 1024 * 1024;
@@ -75,7 +75,7 @@ public:
     // Returns at once; the picture and then the colour arrive when the download ends.
     void extractAverageColor(const std::optional<QString>& address);
 
-signals:
+  signals:
     void musicDataChanged();
     void glowColorChanged();
     void frameGlowColorChanged();
@@ -84,7 +84,7 @@ signals:
     // Each download that ends, whatever came of it.
     void artworkDownloadFinished();
 
-private:
+  private:
     void setGlowColor(const QColor& color);
     void setImage(const QImage& image);
 

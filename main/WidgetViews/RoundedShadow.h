@@ -15,7 +15,7 @@ class RoundedShadow : public QQuickPaintedItem {
     Q_PROPERTY(qreal blur READ blur WRITE setBlur NOTIFY changed)
     Q_PROPERTY(qreal cornerRadius READ cornerRadius WRITE setCornerRadius NOTIFY changed)
 
-public:
+  public:
     explicit RoundedShadow(QQuickItem* parent = nullptr);
 
     QColor color() const { return m_color; }
@@ -33,10 +33,10 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void changed();
 
-private:
+  private:
     void changeAndRepaint();
 
     QColor m_color = QColor(0, 0, 0, 115);

@@ -7,12 +7,14 @@
 #include <QSvgRenderer>
 #include <QtMath>
 
-Symbol::Symbol(QQuickItem* parent) : QQuickPaintedItem(parent) {
+Symbol::Symbol(QQuickItem* parent) : QQuickPaintedItem(parent)
+{
     setAntialiasing(true);
     updateImplicitSize();
 }
 
-void Symbol::setName(const QString& name) {
+void Symbol::setName(const QString& name)
+{
     if (name != m_name) {
         m_name = name;
         updateImplicitSize();
@@ -21,7 +23,8 @@ void Symbol::setName(const QString& name) {
     emit nameChanged();
 }
 
-void Symbol::setColor(const QColor& color) {
+void Symbol::setColor(const QColor& color)
+{
     if (color != m_color) {
         m_color = color;
         invalidate();
@@ -29,7 +32,8 @@ void Symbol::setColor(const QColor& color) {
     emit colorChanged();
 }
 
-void Symbol::setPointSize(qreal size) {
+void Symbol::setPointSize(qreal size)
+{
     size = qMax<qreal>(0, size);
     if (size != m_size) {
         m_size = size;
@@ -39,12 +43,14 @@ void Symbol::setPointSize(qreal size) {
     emit sizeChanged();
 }
 
-void Symbol::updateImplicitSize() {
+void Symbol::updateImplicitSize()
+{
     const QSizeF box = glyphSize(m_name, m_size);
     setImplicitSize(box.width(), box.height());
 }
 
-QSizeF Symbol::glyphSize(const QString& name, qreal pointSize) {
+QSizeF Symbol::glyphSize(const QString& name, qreal pointSize)
+{
     // Grids read once per name; an unknown name keeps the square grid.
     static QHash<QString, QSizeF> grids;
     auto it = grids.constFind(name);
@@ -60,21 +66,25 @@ QSizeF Symbol::glyphSize(const QString& name, qreal pointSize) {
     return *it * (qMax<qreal>(0, pointSize) * emPerGrid / gridUnits);
 }
 
-void Symbol::invalidate() {
+void Symbol::invalidate()
+{
     m_cache = QImage();
     update();
 }
 
-QString Symbol::resourcePath(const QString& name) {
+QString Symbol::resourcePath(const QString& name)
+{
     return QStringLiteral(":/Ombrix/WidgetViews/symbols/%1.svg").arg(name);
 }
 
-bool Symbol::exists(const QString& name) {
+bool Symbol::exists(const QString& name)
+{
     // A name is a single file name; anything with a separator could reach elsewhere in the resources.
     return !name.isEmpty() && !name.contains(u'/') && QFile::exists(resourcePath(name));
 }
 
-QImage Symbol::tinted(const QString& name, const QColor& color, QSizeF box, qreal devicePixelRatio) {
+QImage Symbol::tinted(const QString& name, const QColor& color, QSizeF box, qreal devicePixelRatio)
+{
     if (!exists(name) || box.isEmpty() || devicePixelRatio <= 0)
         return {};
     QSvgRenderer svg(resourcePath(name));
@@ -99,7 +109,8 @@ QImage Symbol::tinted(const QString& name, const QColor& color, QSizeF box, qrea
     return image;
 }
 
-QIcon Symbol::icon(const QString& name, const QColor& color, int px) {
+QIcon Symbol::icon(const QString& name, const QColor& color, int px)
+{
     QIcon result;
     for (const qreal ratio : {1.0, 2.0}) {
         const QImage image = tinted(name, color, px, ratio);
@@ -109,7 +120,8 @@ QIcon Symbol::icon(const QString& name, const QColor& color, int px) {
     return result;
 }
 
-void Symbol::paint(QPainter* painter) {
+void Symbol::paint(QPainter* painter)
+{
     // Always the size the point size gives, centred; an item set smaller crops the glyph rather
     // than shrinking it.
     const QSizeF box = glyphSize(m_name, m_size);

@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int stepCount = int((MusicVisualizerModel::maxHeight - MusicVisualizerModel::minHeight) *
-                              VisualizerBars::stepsPerPoint) + 1;
+constexpr int stepCount =
+    int((MusicVisualizerModel::maxHeight - MusicVisualizerModel::minHeight) * VisualizerBars::stepsPerPoint) + 1;
 
 // Holds the bars' images for one colour; the scene graph deletes it, and them, with the item.
 struct BarsNode : QSGNode {
@@ -91,8 +91,8 @@ QSGNode* VisualizerBars::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
     int i = 0;
     for (QSGNode* child = node->firstChild(); child; child = child->nextSibling(), ++i) {
         const qreal h = i < heights.size() ? heights[i] : MusicVisualizerModel::minHeight;
-        const int step = std::clamp(int(std::lround((h - MusicVisualizerModel::minHeight) * stepsPerPoint)), 0,
-                                    stepCount - 1);
+        const int step =
+            std::clamp(int(std::lround((h - MusicVisualizerModel::minHeight) * stepsPerPoint)), 0, stepCount - 1);
         QSGTexture*& texture = node->textures[size_t(step)];
         if (!texture)
             texture = window()->createTextureFromImage(

@@ -14,7 +14,7 @@ class VisualizerBars : public QQuickItem {
     Q_PROPERTY(MusicVisualizerModel* model READ model WRITE setModel NOTIFY changed)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY changed)
 
-public:
+  public:
     static constexpr qreal barWidth = 3.5;
     static constexpr qreal spacing = 3.5;
     static constexpr qreal radius = 2;
@@ -30,13 +30,13 @@ public:
     // One bar of the given height standing on the bottom of a barWidth by maxHeight box.
     static QImage barImage(qreal height, const QColor& color, qreal dpr);
 
-signals:
+  signals:
     void changed();
 
-protected:
+  protected:
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData*) override;
 
-private:
+  private:
     QPointer<MusicVisualizerModel> m_model;
     QMetaObject::Connection m_heights;
     QColor m_color = Qt::white;

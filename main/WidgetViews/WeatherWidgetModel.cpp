@@ -15,8 +15,7 @@ namespace {
 
 // The code tables are chains of tests read from the top: the first row that holds decides.
 // Only the first row asks for equality, so a negative code falls to the second.
-template <typename Row, std::size_t N>
-const Row& firstMatch(const Row (&rows)[N], qint64 code)
+template <typename Row, std::size_t N> const Row& firstMatch(const Row (&rows)[N], qint64 code)
 {
     for (const Row& row : rows) {
         if (row.exact ? code == row.bound : code <= row.bound)
@@ -67,8 +66,7 @@ WeatherWidgetModel::WeatherWidgetModel(QObject* parent) : QObject(parent)
     auto& settings = SettingsManager::shared();
     m_seenCity = settings.weatherSettings().city;
     m_seenUseManual = settings.weatherSettings().useManual;
-    connect(&settings, &SettingsManager::weatherSettingsChanged, this,
-            &WeatherWidgetModel::onWeatherSettingsChanged);
+    connect(&settings, &SettingsManager::weatherSettingsChanged, this, &WeatherWidgetModel::onWeatherSettingsChanged);
 
     m_timer.setInterval(refreshIntervalMs);
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -144,8 +142,8 @@ void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse
 
     auto& settings = SettingsManager::shared();
     SharedWidgetData data = settings.sharedData();
-    data.weather = WeatherData{city, reply.current.temperature_2m, reply.current.weathercode,
-                               reply.current.apparent_temperature};
+    data.weather =
+        WeatherData{city, reply.current.temperature_2m, reply.current.weathercode, reply.current.apparent_temperature};
     settings.setSharedData(data);
     settings.updateSharedWidgetData();
 }
@@ -157,7 +155,10 @@ void WeatherWidgetModel::failLoad()
     setLoading(false);
 }
 
-void WeatherWidgetModel::updateGlow(qint64 code) { setGlowColor(glowColorFor(code)); }
+void WeatherWidgetModel::updateGlow(qint64 code)
+{
+    setGlowColor(glowColorFor(code));
+}
 
 QString WeatherWidgetModel::temperatureText() const
 {
@@ -185,10 +186,8 @@ QVariantList WeatherWidgetModel::forecastRows() const
     if (!hasDaily())
         return list;
     for (const auto& row : forecastRowsFor(*m_weatherData->daily)) {
-        list.append(QVariantMap{{"dayName", row.dayName},
-                                {"emoji", row.emoji},
-                                {"maxText", row.maxText},
-                                {"minText", row.minText}});
+        list.append(QVariantMap{
+            {"dayName", row.dayName}, {"emoji", row.emoji}, {"maxText", row.maxText}, {"minText", row.minText}});
     }
     return list;
 }
@@ -198,7 +197,10 @@ QString WeatherWidgetModel::wmoEmoji(qint64 code)
     return QString::fromUtf8(firstMatch(wmoRows, code).emoji);
 }
 
-QString WeatherWidgetModel::wmoDesc(qint64 code) { return QString::fromUtf8(firstMatch(wmoRows, code).desc); }
+QString WeatherWidgetModel::wmoDesc(qint64 code)
+{
+    return QString::fromUtf8(firstMatch(wmoRows, code).desc);
+}
 
 QColor WeatherWidgetModel::glowColorFor(qint64 code)
 {
@@ -233,17 +235,14 @@ QString WeatherWidgetModel::highLowLine(const WeatherResponse::DailyForecast& da
            " L:" + formatTemperature(daily.temperature_2m_min.first());
 }
 
-QList<WeatherWidgetModel::ForecastRow>
-WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily)
+QList<WeatherWidgetModel::ForecastRow> WeatherWidgetModel::forecastRowsFor(const WeatherResponse::DailyForecast& daily)
 {
-    const qsizetype days =
-        std::min({daily.time.size(), daily.weathercode.size(), daily.temperature_2m_max.size(),
-                  daily.temperature_2m_min.size(), qsizetype(5)});
+    const qsizetype days = std::min({daily.time.size(), daily.weathercode.size(), daily.temperature_2m_max.size(),
+                                     daily.temperature_2m_min.size(), qsizetype(5)});
     QList<ForecastRow> rows;
     for (qsizetype i = 1; i < days; ++i) {
         rows.append({shortDayName(daily.time[i]), wmoEmoji(daily.weathercode[i]),
-                     formatTemperature(daily.temperature_2m_max[i]),
-                     formatTemperature(daily.temperature_2m_min[i])});
+                     formatTemperature(daily.temperature_2m_max[i]), formatTemperature(daily.temperature_2m_min[i])});
     }
     return rows;
 }

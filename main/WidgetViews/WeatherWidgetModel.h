@@ -32,7 +32,7 @@ class WeatherWidgetModel : public QObject {
     // One map per forecast row: dayName, emoji, maxText, minText.
     Q_PROPERTY(QVariantList forecastRows READ forecastRows NOTIFY weatherDataChanged)
 
-public:
+  public:
     static constexpr int refreshIntervalMs = 900 * 1000;
 
     struct ForecastRow {
@@ -79,7 +79,7 @@ public:
     void setRefreshInterval(int milliseconds) { m_timer.setInterval(milliseconds); }
     bool refreshScheduled() const { return m_timer.isActive(); }
 
-signals:
+  signals:
     void activeChanged();
     void loadingChanged();
     void connectionErrorChanged();
@@ -87,7 +87,7 @@ signals:
     void glowColorChanged();
     void weatherDataChanged();
 
-private:
+  private:
     void fetchWeatherFor(double latitude, double longitude, const QString& city);
     void applyWeather(const QString& city, const WeatherResponse& reply);
     void failLoad();

@@ -53,7 +53,10 @@ QColor VisualEffectView::materialColor(int material)
     return QColor(70, 82, 104, 92);
 }
 
-double VisualEffectView::blurSigma(int material) { return material == HudWindow ? 22.0 : 16.0; }
+double VisualEffectView::blurSigma(int material)
+{
+    return material == HudWindow ? 22.0 : 16.0;
+}
 
 QImage VisualEffectView::blurred(const QImage& image, double sigma)
 {
@@ -133,10 +136,13 @@ void VisualEffectView::scheduleRefresh()
     if (m_refreshPending)
         return;
     m_refreshPending = true;
-    QMetaObject::invokeMethod(this, [this] {
-        m_refreshPending = false;
-        refresh();
-    }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_refreshPending = false;
+            refresh();
+        },
+        Qt::QueuedConnection);
 }
 
 void VisualEffectView::settleMove()

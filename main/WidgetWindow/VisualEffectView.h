@@ -23,7 +23,7 @@ class VisualEffectView : public QQuickItem {
     Q_PROPERTY(int state READ state WRITE setState NOTIFY stateChanged)
     Q_PROPERTY(double cornerRadius READ cornerRadius WRITE setCornerRadius NOTIFY cornerRadiusChanged)
 
-public:
+  public:
     enum Material { Selection = 4, HudWindow = 13 };
     Q_ENUM(Material)
 
@@ -46,13 +46,13 @@ public:
     // extended, so a picture taken wider than its use by three radii blurs cleanly at its borders.
     static QImage blurred(const QImage& image, double sigma);
 
-signals:
+  signals:
     void materialChanged();
     void blendingModeChanged();
     void stateChanged();
     void cornerRadiusChanged();
 
-protected:
+  protected:
     // Painted in points over the backdrop, inside the same image.
     virtual void paintOver(QPainter*, const QSizeF&) {}
     // The image is made again at the next turn of the event loop; several calls make one.
@@ -62,7 +62,7 @@ protected:
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
     void itemChange(ItemChange change, const ItemChangeData& value) override;
 
-private:
+  private:
     void refresh();
     void settleMove();
     QRect deviceArea() const;
@@ -72,8 +72,8 @@ private:
     int m_state = 1;
     double m_cornerRadius = 0;
 
-    QImage m_image;        // blurred wallpaper, tint and overlay, until the scene graph takes it
-    QRect m_backdropArea;  // where on the root it was taken
+    QImage m_image;       // blurred wallpaper, tint and overlay, until the scene graph takes it
+    QRect m_backdropArea; // where on the root it was taken
     bool m_refreshPending = false;
     bool m_imageChanged = false;
     QTimer m_moveSettle;

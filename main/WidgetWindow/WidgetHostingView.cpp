@@ -17,7 +17,10 @@ void WidgetHostingView::setFrame(const Rect& frame)
     setSize(QSizeF(frame.width, frame.height));
 }
 
-Rect WidgetHostingView::frame() const { return Rect{x(), y(), width(), height()}; }
+Rect WidgetHostingView::frame() const
+{
+    return Rect{x(), y(), width(), height()};
+}
 
 void WidgetHostingView::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry)
 {

@@ -10,7 +10,7 @@ class WidgetHostingView : public QQuickItem {
     QML_ELEMENT
     QML_UNCREATABLE("made by the widget registry")
 
-public:
+  public:
     // Takes ownership of `rootView` (may be null for a view that failed to load).
     explicit WidgetHostingView(QQuickItem* rootView = nullptr);
 
@@ -18,9 +18,9 @@ public:
     Rect frame() const;
     QQuickItem* rootView() const { return m_rootView; }
 
-protected:
+  protected:
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
 
-private:
+  private:
     QQuickItem* m_rootView = nullptr;
 };

@@ -58,9 +58,15 @@ void WidgetWindow::setClickThrough(bool enabled)
     setFlag(Qt::WindowTransparentForInput, enabled);
 }
 
-void WidgetWindow::setHasShadow(bool enabled) { setFlag(Qt::NoDropShadowWindowHint, !enabled); }
+void WidgetWindow::setHasShadow(bool enabled)
+{
+    setFlag(Qt::NoDropShadowWindowHint, !enabled);
+}
 
-Rect WidgetWindow::frame() const { return m_frame; }
+Rect WidgetWindow::frame() const
+{
+    return m_frame;
+}
 
 void WidgetWindow::setFrame(const Rect& frame, bool animate)
 {

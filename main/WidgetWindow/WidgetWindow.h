@@ -15,11 +15,10 @@ class WidgetHostingView;
 class WidgetWindow : public QQuickWindow {
     Q_OBJECT
 
-public:
+  public:
     static constexpr double cornerRadius = 28.0;
 
-    WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame,
-                 bool isClickThrough);
+    WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame, bool isClickThrough);
     ~WidgetWindow() override;
 
     QString widgetName() const { return m_widgetName; }
@@ -45,11 +44,11 @@ public:
 
     void orderFront();
 
-signals:
+  signals:
     // A move has come to rest: for a user drag, once the button is up; otherwise at once.
     void didMove(WidgetWindow* window);
 
-protected:
+  protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -57,7 +56,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void exposeEvent(QExposeEvent* event) override;
 
-private:
+  private:
     void settleMove();
     void requestGeometry(const QRect& geometry);
     bool isOwnMove(const QPoint& position);

@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QQuickWindow>
 
-
 const QColor ControlPanelModel::systemGray = QColor(142, 142, 147);
 const QColor ControlPanelModel::statusGreen = QColor(48, 209, 88);
 const QColor ControlPanelModel::statusRed = QColor(255, 69, 58);

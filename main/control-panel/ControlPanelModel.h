@@ -20,7 +20,7 @@ class ControlPanelModel : public QObject {
     Q_PROPERTY(bool searchInProgress READ searchInProgress NOTIFY searchInProgressChanged)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
 
-public:
+  public:
     using ToggleCallback = std::function<void(const QString& name, bool enabled)>;
     using ResizeCallback = std::function<void(const QString& name, const QString& size)>;
 
@@ -67,7 +67,7 @@ public:
     Q_INVOKABLE void hideWindow(QQuickItem* item);
     Q_INVOKABLE void minimizeWindow(QQuickItem* item);
 
-signals:
+  signals:
     void activeTabChanged();
     void weatherAutoModeChanged();
     void manualCityChanged();
@@ -75,7 +75,7 @@ signals:
     void searchInProgressChanged();
     void launchAtLoginChanged();
 
-private:
+  private:
     void setGeoStatus(const QString& text, const QColor& color);
     void setSearchInProgress(bool running);
 

@@ -13,7 +13,7 @@ class EdgeBorder : public QQuickPaintedItem {
     Q_PROPERTY(Edges edges READ edges WRITE setEdges NOTIFY changed)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY changed)
 
-public:
+  public:
     enum Edge { Top = 1, Leading = 2, Bottom = 4, Trailing = 8 };
     Q_DECLARE_FLAGS(Edges, Edge)
     Q_FLAG(Edges)
@@ -32,10 +32,10 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+  signals:
     void changed();
 
-private:
+  private:
     double m_width = 1;
     Edges m_edges = Top;
     QColor m_color = QColor::fromRgbF(1, 1, 1, 0.08f);

@@ -53,8 +53,7 @@ qsizetype skipSpaces(QStringView s, qsizetype i)
 }
 
 // The value after the first key that is followed by "=", as `value` reads it there.
-template <typename Read>
-QStringView firstValue(QStringView block, const Key& key, Read value)
+template <typename Read> QStringView firstValue(QStringView block, const Key& key, Read value)
 {
     for (qsizetype at = key.in(block); at >= 0; at = key.in(block, at + 1)) {
         qsizetype i = at + key.text.size();
@@ -188,9 +187,9 @@ BatteryDevice BatteryMonitor::parseInternalBattery(const QString& pmsetText)
     const auto match = percentPattern().match(pmsetText);
     const qint64 percent = match.hasMatch() ? number(match.capturedView(1)).value_or(100) : 100;
     // "discharging" contains "charging", hence the second half of the test.
-    const bool charging = pmsetText.contains(QLatin1String("drawing from 'AC Power'")) ||
-                          (pmsetText.contains(QLatin1String("charging")) &&
-                           !pmsetText.contains(QLatin1String("discharging")));
+    const bool charging =
+        pmsetText.contains(QLatin1String("drawing from 'AC Power'")) ||
+        (pmsetText.contains(QLatin1String("charging")) && !pmsetText.contains(QLatin1String("discharging")));
     return BatteryDevice{"macbook", "MacBook", percent, charging, "macbook"};
 }
 

@@ -11,7 +11,7 @@
 #include <memory>
 
 class BatteryMonitor {
-public:
+  public:
     static BatteryMonitor& shared();
 
     // The machine's own record first, then the accessories in the order of their blocks.
@@ -33,7 +33,7 @@ public:
     BatteryMonitor(const BatteryMonitor&) = delete;
     BatteryMonitor& operator=(const BatteryMonitor&) = delete;
 
-private:
+  private:
     BatteryMonitor();
 
     // One command line through /bin/zsh, standard output and error as one text. Any failure

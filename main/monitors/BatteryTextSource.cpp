@@ -14,7 +14,10 @@ namespace {
 
 constexpr const char* scutilPath = "/usr/sbin/scutil";
 
-bool onPath(const char* tool) { return !QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty(); }
+bool onPath(const char* tool)
+{
+    return !QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty();
+}
 
 // The tools a machine has do not come and go between polls: the PATH is searched once per source.
 bool hasTool(std::optional<bool>& known, const char* tool)
@@ -70,7 +73,7 @@ QString SystemBatteryTexts::pmsetText()
 QString SystemBatteryTexts::ioregText()
 {
     return hasTool(m_hasIoreg, "ioreg") ? BatteryMonitor::shell(R"(ioreg -r -d 1 -k "BatteryPercent")")
-                           : powersupply::ioregText(reading());
+                                        : powersupply::ioregText(reading());
 }
 
 std::pair<QString, QString> SystemBatteryTexts::texts()

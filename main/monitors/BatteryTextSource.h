@@ -13,7 +13,7 @@
 class UPowerDevices;
 
 class BatteryTextSource {
-public:
+  public:
     virtual ~BatteryTextSource() = default;
     virtual QString pmsetText() = 0;    // the text of `pmset -g batt`
     virtual QString ioregText() = 0;    // the text of `ioreg -r -d 1 -k "BatteryPercent"`
@@ -34,7 +34,7 @@ public:
 // `powerSupplyRoot` when given, else the one the settings name under `rootConfigKey` (whole-app
 // tests), else the kernel's. UPower is asked on `upowerBus`, by default the system bus.
 class SystemBatteryTexts : public BatteryTextSource {
-public:
+  public:
     static constexpr const char* rootConfigKey = "platform.powersupply.root";
 
     explicit SystemBatteryTexts(QString powerSupplyRoot = {}, std::optional<QDBusConnection> upowerBus = std::nullopt);
@@ -47,7 +47,7 @@ public:
     QString computerName() override;
     void setChangeHandler(std::function<void()> onChange) override;
 
-private:
+  private:
     QString root() const;
     powersupply::Reading reading();
 

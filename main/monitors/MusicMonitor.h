@@ -14,7 +14,7 @@
 class MprisPlayers;
 
 class MusicMonitor {
-public:
+  public:
     static MusicMonitor& shared();
 
     // Scripts through `runner`; none: nothing plays.
@@ -35,7 +35,7 @@ public:
     // Fires when a player's change reaches the monitor before the next poll would.
     const ChangeNotifier& changes() const { return m_changes; }
 
-private:
+  private:
     std::optional<QString> runAppleScript(const QString& text);
     std::optional<MusicData> playingOn(const QString& app);
     bool isRunning(const QString& app);

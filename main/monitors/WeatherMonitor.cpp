@@ -47,8 +47,7 @@ bool arrivedWhole(QNetworkReply* reply)
 }
 
 // Runs `decode` on a body, or passes the error on unchanged.
-template <typename T, typename Decode>
-WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode)
+template <typename T, typename Decode> WeatherResult<T> decodeBody(const WeatherResult<QByteArray>& body, Decode decode)
 {
     if (const auto* err = std::get_if<WeatherError>(&body))
         return *err;
@@ -64,8 +63,14 @@ WeatherMonitor& WeatherMonitor::shared()
     return *instance;
 }
 
-const char* WeatherMonitor::configKey(Service service) { return endpoint(service).configKey; }
-const char* WeatherMonitor::defaultBaseUrl(Service service) { return endpoint(service).defaultBase; }
+const char* WeatherMonitor::configKey(Service service)
+{
+    return endpoint(service).configKey;
+}
+const char* WeatherMonitor::defaultBaseUrl(Service service)
+{
+    return endpoint(service).defaultBase;
+}
 
 QString WeatherMonitor::baseUrl(Service service)
 {
@@ -105,8 +110,7 @@ QByteArray WeatherMonitor::forecastQuery(double latitude, double longitude)
            "&daily=weathercode,temperature_2m_max,temperature_2m_min&timezone=auto&forecast_days=5";
 }
 
-std::optional<QUrl> WeatherMonitor::buildUrl(const QString& base, const QByteArray& path,
-                                             const QByteArray& query)
+std::optional<QUrl> WeatherMonitor::buildUrl(const QString& base, const QByteArray& path, const QByteArray& query)
 {
     QByteArray text = base.toUtf8();
     while (text.endsWith('/'))
@@ -124,8 +128,7 @@ void WeatherMonitor::get(Service service, const QByteArray& path, const std::opt
                          QObject* context, std::function<void(WeatherResult<QByteArray>)> done)
 {
     const QPointer<QObject> guard(context);
-    auto deliver = [guard, guarded = context != nullptr,
-                    done = std::move(done)](const WeatherResult<QByteArray>& r) {
+    auto deliver = [guard, guarded = context != nullptr, done = std::move(done)](const WeatherResult<QByteArray>& r) {
         if (guarded && !guard)
             return;
         done(r);
@@ -170,26 +173,23 @@ void WeatherMonitor::searchCityCoordinates(const QString& name, QObject* context
                                            Callback<std::optional<WeatherSettings>> done)
 {
     const auto encoded = encodeQueryValue(name);
-    const auto query =
-        encoded ? std::optional("name=" + *encoded + "&count=1&language=it&format=json") : std::nullopt;
-    get(Service::Geocoding, "/v1/search", query, context,
-        [done = std::move(done)](WeatherResult<QByteArray> body) {
-            done(decodeBody<std::optional<WeatherSettings>>(body, [](const QByteArray& bytes) {
-                const auto reply = GeocodingResponse::decode(bytes);
-                if (const auto* err = std::get_if<WeatherError>(&reply))
-                    return WeatherResult<std::optional<WeatherSettings>>(*err);
-                const auto& results = std::get<GeocodingResponse>(reply).results;
-                if (!results || results->isEmpty())
-                    return WeatherResult<std::optional<WeatherSettings>>(std::nullopt);
-                const auto& first = results->first();
-                return WeatherResult<std::optional<WeatherSettings>>(WeatherSettings{
-                    true, first.name + ", " + first.country, first.latitude, first.longitude});
-            }));
-        });
+    const auto query = encoded ? std::optional("name=" + *encoded + "&count=1&language=it&format=json") : std::nullopt;
+    get(Service::Geocoding, "/v1/search", query, context, [done = std::move(done)](WeatherResult<QByteArray> body) {
+        done(decodeBody<std::optional<WeatherSettings>>(body, [](const QByteArray& bytes) {
+            const auto reply = GeocodingResponse::decode(bytes);
+            if (const auto* err = std::get_if<WeatherError>(&reply))
+                return WeatherResult<std::optional<WeatherSettings>>(*err);
+            const auto& results = std::get<GeocodingResponse>(reply).results;
+            if (!results || results->isEmpty())
+                return WeatherResult<std::optional<WeatherSettings>>(std::nullopt);
+            const auto& first = results->first();
+            return WeatherResult<std::optional<WeatherSettings>>(
+                WeatherSettings{true, first.name + ", " + first.country, first.latitude, first.longitude});
+        }));
+    });
 }
 
-void WeatherMonitor::fetchWeather(double latitude, double longitude, QObject* context,
-                                  Callback<WeatherResponse> done)
+void WeatherMonitor::fetchWeather(double latitude, double longitude, QObject* context, Callback<WeatherResponse> done)
 {
     get(Service::Forecast, "/v1/forecast", forecastQuery(latitude, longitude), context,
         [done = std::move(done)](WeatherResult<QByteArray> body) {

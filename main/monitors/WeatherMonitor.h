@@ -12,9 +12,8 @@
 #include <optional>
 
 class WeatherMonitor {
-public:
-    template <typename T>
-    using Callback = std::function<void(WeatherResult<T>)>;
+  public:
+    template <typename T> using Callback = std::function<void(WeatherResult<T>)>;
 
     enum class Service { IpApi, Geocoding, Forecast };
 
@@ -25,8 +24,7 @@ public:
     void fetchIPLocation(QObject* context, Callback<IPLocation> done);
     // No value (and no error) when the service found no match; else a manual location named
     // "<name>, <country>".
-    void searchCityCoordinates(const QString& name, QObject* context,
-                               Callback<std::optional<WeatherSettings>> done);
+    void searchCityCoordinates(const QString& name, QObject* context, Callback<std::optional<WeatherSettings>> done);
     void fetchWeather(double latitude, double longitude, QObject* context, Callback<WeatherResponse> done);
 
     // The override stored in the settings under `configKey`, read at each request, or the public host.
@@ -48,11 +46,11 @@ public:
     WeatherMonitor(const WeatherMonitor&) = delete;
     WeatherMonitor& operator=(const WeatherMonitor&) = delete;
 
-private:
+  private:
     WeatherMonitor() = default;
     // One GET; the body of any reply that arrives, or the transport error.
-    void get(Service service, const QByteArray& path, const std::optional<QByteArray>& query,
-             QObject* context, std::function<void(WeatherResult<QByteArray>)> done);
+    void get(Service service, const QByteArray& path, const std::optional<QByteArray>& query, QObject* context,
+             std::function<void(WeatherResult<QByteArray>)> done);
 
     QNetworkAccessManager m_network;
     // A minute without a byte, the usual default of HTTP stacks; with no limit a server that accepts

@@ -10,7 +10,10 @@
 
 namespace {
 
-WeatherError decodingError(const QString& detail) { return {WeatherError::Kind::Decoding, detail}; }
+WeatherError decodingError(const QString& detail)
+{
+    return {WeatherError::Kind::Decoding, detail};
+}
 
 WeatherError notAnObject(const char* type)
 {
@@ -18,8 +21,7 @@ WeatherError notAnObject(const char* type)
 }
 
 // The error for the first field that did not read, or nothing when all did.
-std::optional<WeatherError> firstInvalid(const char* type,
-                                         std::initializer_list<std::pair<const char*, bool>> fields)
+std::optional<WeatherError> firstInvalid(const char* type, std::initializer_list<std::pair<const char*, bool>> fields)
 {
     for (const auto& [name, ok] : fields) {
         if (!ok)
@@ -65,10 +67,9 @@ WeatherResult<WeatherResponse::CurrentWeather> decodeCurrent(const QJsonObject& 
     c.relativehumidity_2m = json::optionalDouble(o, "relativehumidity_2m", ok);
     c.apparent_temperature = json::optionalDouble(o, "apparent_temperature", ok);
     c.windspeed_10m = json::optionalDouble(o, "windspeed_10m", ok);
-    if (auto err =
-            firstInvalid("WeatherResponse.CurrentWeather", {{"temperature_2m", temperature.has_value()},
-                                                            {"weathercode", code.has_value()},
-                                                            {"optional fields", ok}}))
+    if (auto err = firstInvalid(
+            "WeatherResponse.CurrentWeather",
+            {{"temperature_2m", temperature.has_value()}, {"weathercode", code.has_value()}, {"optional fields", ok}}))
         return *err;
     c.temperature_2m = *temperature;
     c.weathercode = *code;
@@ -136,8 +137,7 @@ WeatherResult<WeatherResponse> WeatherResponse::decode(const QByteArray& body)
     bool ok = true;
     const auto currentObject = nestedObject(*o, "current", ok);
     const auto dailyObject = nestedObject(*o, "daily", ok);
-    if (auto err =
-            firstInvalid("WeatherResponse", {{"current", currentObject.has_value() && ok}, {"daily", ok}}))
+    if (auto err = firstInvalid("WeatherResponse", {{"current", currentObject.has_value() && ok}, {"daily", ok}}))
         return *err;
     WeatherResponse response;
     auto current = decodeCurrent(*currentObject);

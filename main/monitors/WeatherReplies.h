@@ -16,8 +16,7 @@ struct WeatherError {
     QString detail;
 };
 
-template <typename T>
-using WeatherResult = std::variant<T, WeatherError>;
+template <typename T> using WeatherResult = std::variant<T, WeatherError>;
 
 struct IPLocation {
     double lat = 0;

@@ -5,6 +5,6 @@
 class ChangeNotifier : public QObject {
     Q_OBJECT
 
-signals:
+  signals:
     void changed();
 };

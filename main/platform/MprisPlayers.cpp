@@ -18,7 +18,10 @@ const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Propert
 const QString busService = QStringLiteral("org.freedesktop.DBus");
 const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
-bool isPlaying(const QString& status) { return status == QLatin1String("Playing"); }
+bool isPlaying(const QString& status)
+{
+    return status == QLatin1String("Playing");
+}
 
 // Values arrive as plain values, or still marshalled when nested.
 QVariantMap toMap(const QVariant& value)
@@ -164,8 +167,8 @@ MusicData MprisPlayers::readingOf(const Player& player)
     } else {
         // A player that gives no name of its own goes by its bus name, less the instance suffix.
         const QString identity = player.identity.trimmed();
-        data.source = outside::cutText(identity.isEmpty() ? player.busName.mid(busPrefix.size()).section('.', 0, 0)
-                                                          : identity);
+        data.source =
+            outside::cutText(identity.isEmpty() ? player.busName.mid(busPrefix.size()).section('.', 0, 0) : identity);
     }
     data.playing = true;
     return data;
@@ -190,7 +193,8 @@ void MprisPlayers::vanished(const QString& busName)
 
 void MprisPlayers::askAll(const QString& busName, const QString& owner, const QString& interface)
 {
-    QDBusMessage getAll = QDBusMessage::createMethodCall(busName, objectPath, propertiesInterface, QStringLiteral("GetAll"));
+    QDBusMessage getAll =
+        QDBusMessage::createMethodCall(busName, objectPath, propertiesInterface, QStringLiteral("GetAll"));
     getAll << interface;
     auto* call = new QDBusPendingCallWatcher(m_bus.asyncCall(getAll), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [=, this](QDBusPendingCallWatcher* done) {
@@ -201,8 +205,8 @@ void MprisPlayers::askAll(const QString& busName, const QString& owner, const QS
     });
 }
 
-void MprisPlayers::propertiesChanged(const QString& interface, const QVariantMap& changedProperties,
-                                     const QStringList&, const QDBusMessage& message)
+void MprisPlayers::propertiesChanged(const QString& interface, const QVariantMap& changedProperties, const QStringList&,
+                                     const QDBusMessage& message)
 {
     for (const Player& p : std::as_const(m_players)) {
         if (p.owner == message.service()) {
@@ -212,8 +216,8 @@ void MprisPlayers::propertiesChanged(const QString& interface, const QVariantMap
     }
 }
 
-void MprisPlayers::apply(const QString& busName, const QString& owner, const QString& interface,
-                         QVariantMap properties, bool fromSignal)
+void MprisPlayers::apply(const QString& busName, const QString& owner, const QString& interface, QVariantMap properties,
+                         bool fromSignal)
 {
     Player* player = find(busName, owner);
     if (!player)

@@ -15,7 +15,7 @@
 class MprisPlayers : public QObject {
     Q_OBJECT
 
-public:
+  public:
     static inline const QString busPrefix = QStringLiteral("org.mpris.MediaPlayer2.");
     static inline const QString spotifyBusName = QStringLiteral("org.mpris.MediaPlayer2.spotify");
 
@@ -44,14 +44,14 @@ public:
     // A playing player's reading: "spotify" as the source of Spotify, the player's own name for the others.
     static MusicData readingOf(const Player& player);
 
-signals:
+  signals:
     void changed();
 
-private slots:
+  private slots:
     void propertiesChanged(const QString& interface, const QVariantMap& changedProperties,
                            const QStringList& invalidated, const QDBusMessage& message);
 
-private:
+  private:
     void appeared(const QString& busName, const QString& owner);
     void vanished(const QString& busName);
     void askAll(const QString& busName, const QString& owner, const QString& interface);

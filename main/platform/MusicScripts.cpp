@@ -5,9 +5,12 @@ namespace musicscript {
 QString nowPlaying(const QString& app)
 {
     // Music has no artwork address, so its reply leaves the third field empty.
-    const QString reply = app == spotify
-        ? QStringLiteral(R"(                return (name of current track) & "|||" & (artist of current track) & "|||" & (artwork url of current track) & "|||spotify")")
-        : QStringLiteral(R"(                return (name of current track) & "|||" & (artist of current track) & "||||||music")");
+    const QString reply =
+        app == spotify
+            ? QStringLiteral(
+                  R"(                return (name of current track) & "|||" & (artist of current track) & "|||" & (artwork url of current track) & "|||spotify")")
+            : QStringLiteral(
+                  R"(                return (name of current track) & "|||" & (artist of current track) & "||||||music")");
     return QStringList{
         QStringLiteral(R"(tell application "System Events")"),
         QStringLiteral(R"(    if (count of (processes whose name is ")") + app + QStringLiteral(R"(")) > 0 then)"),
@@ -19,7 +22,8 @@ QString nowPlaying(const QString& app)
         QStringLiteral("    end if"),
         QStringLiteral("end tell"),
         QStringLiteral(R"(return "")"),
-    }.join(QLatin1Char('\n'));
+    }
+        .join(QLatin1Char('\n'));
 }
 
 QString isRunning(const QString& app)
@@ -28,7 +32,8 @@ QString isRunning(const QString& app)
         QStringLiteral(R"(tell application "System Events")"),
         QStringLiteral(R"(    return (count of (processes whose name is ")") + app + QStringLiteral(R"(")) > 0)"),
         QStringLiteral("end tell"),
-    }.join(QLatin1Char('\n'));
+    }
+        .join(QLatin1Char('\n'));
 }
 
 std::optional<QString> control(const QString& action, const QString& app)

@@ -16,7 +16,7 @@ struct Battery {
     QString nativeName; // the kernel's or the Bluetooth stack's name of the device, to match it by
     QString model;      // a peripheral is listed under it
     std::optional<int> percent;
-    double energy = 0;     // now and when full, in one unit per source; 0 when unknown
+    double energy = 0; // now and when full, in one unit per source; 0 when unknown
     double energyFull = 0;
     Status status = Status::Unknown;
 };
@@ -41,7 +41,13 @@ QString pmsetText(const Reading& reading);
 // when it has a model name, "Product".
 QString ioregText(const Reading& reading);
 
-inline QString pmsetText(const QString& root = defaultRoot) { return pmsetText(readTree(root)); }
-inline QString ioregText(const QString& root = defaultRoot) { return ioregText(readTree(root)); }
+inline QString pmsetText(const QString& root = defaultRoot)
+{
+    return pmsetText(readTree(root));
+}
+inline QString ioregText(const QString& root = defaultRoot)
+{
+    return ioregText(readTree(root));
+}
 
 } // namespace powersupply

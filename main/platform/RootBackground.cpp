@@ -18,8 +18,7 @@ using x11::connection;
 using x11::rootScreen;
 
 // Several atoms in one round trip.
-template <size_t N>
-std::array<xcb_atom_t, N> atoms(xcb_connection_t* c, const std::array<const char*, N>& names)
+template <size_t N> std::array<xcb_atom_t, N> atoms(xcb_connection_t* c, const std::array<const char*, N>& names)
 {
     std::array<xcb_intern_atom_cookie_t, N> cookies;
     for (size_t i = 0; i < N; ++i)
@@ -54,10 +53,10 @@ std::vector<uint32_t> windowProperty(xcb_connection_t* c, xcb_window_t w, xcb_at
 QImage readPixels(xcb_connection_t* c, xcb_drawable_t d, const QRect& r)
 {
     xcb_generic_error_t* error = nullptr;
-    auto* reply = xcb_get_image_reply(
-        c, xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, d, int16_t(r.x()), int16_t(r.y()), uint16_t(r.width()),
-                         uint16_t(r.height()), ~0u),
-        &error);
+    auto* reply = xcb_get_image_reply(c,
+                                      xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, d, int16_t(r.x()), int16_t(r.y()),
+                                                    uint16_t(r.width()), uint16_t(r.height()), ~0u),
+                                      &error);
     free(error);
     if (!reply)
         return {};
@@ -150,7 +149,8 @@ void RootBackground::readCompositor()
     m_blursBehind = false;
     if (m_compositing) {
         const auto a = atoms<1>(c, {"_KDE_NET_WM_BLUR_BEHIND_REGION"});
-        const auto supported = windowProperty(c, rootScreen(c)->root, atoms<1>(c, {"_NET_SUPPORTED"})[0], XCB_ATOM_ATOM);
+        const auto supported =
+            windowProperty(c, rootScreen(c)->root, atoms<1>(c, {"_NET_SUPPORTED"})[0], XCB_ATOM_ATOM);
         m_blursBehind = std::find(supported.begin(), supported.end(), a[0]) != supported.end();
     }
 }

@@ -10,7 +10,7 @@
 class RootBackground : public QObject, public QAbstractNativeEventFilter {
     Q_OBJECT
 
-public:
+  public:
     static RootBackground& shared();
 
     // The background under `area` (root coordinates, device pixels): the pixels of the root pixmap
@@ -28,11 +28,11 @@ public:
 
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
 
-signals:
+  signals:
     void backgroundChanged();
     void compositingChanged();
 
-private:
+  private:
     RootBackground();
     void readCompositor();
 

@@ -11,8 +11,7 @@ std::unique_ptr<ScriptRunner> ScriptRunner::forThisMachine()
     return nullptr;
 }
 
-OsascriptRunner::OsascriptRunner(QString program, int timeoutMs)
-    : m_program(std::move(program)), m_timeoutMs(timeoutMs)
+OsascriptRunner::OsascriptRunner(QString program, int timeoutMs) : m_program(std::move(program)), m_timeoutMs(timeoutMs)
 {
 }
 

@@ -8,7 +8,7 @@
 #include <optional>
 
 class ScriptRunner {
-public:
+  public:
     virtual ~ScriptRunner() = default;
 
     // The script's result as text; nothing where the script cannot be made or fails when run.
@@ -19,7 +19,7 @@ public:
 };
 
 class OsascriptRunner : public ScriptRunner {
-public:
+  public:
     // A script that has not ended by then is killed and counts as failed, so a hung player
     // cannot hold the GUI for ever.
     static constexpr int defaultTimeoutMs = childprocess::timeLimitMs;
@@ -27,7 +27,7 @@ public:
     explicit OsascriptRunner(QString program, int timeoutMs = defaultTimeoutMs);
     std::optional<QString> run(const QString& script) override;
 
-private:
+  private:
     QString m_program;
     int m_timeoutMs;
 };

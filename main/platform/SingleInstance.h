@@ -13,7 +13,7 @@ class QLocalServer;
 class SingleInstance : public QObject {
     Q_OBJECT
 
-public:
+  public:
     // The socket for this user on `display` (the DISPLAY variable when empty).
     explicit SingleInstance(const QString& socketPath = socketPathFor({}), QObject* parent = nullptr);
     ~SingleInstance() override;
@@ -32,10 +32,10 @@ public:
     static QString runtimeDir();
     static QString socketPathFor(const QString& display);
 
-signals:
+  signals:
     void showRequested();
 
-private:
+  private:
     QString m_socketPath;
     std::unique_ptr<QLockFile> m_lock;
     QLocalServer* m_server = nullptr;

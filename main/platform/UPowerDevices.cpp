@@ -101,10 +101,10 @@ void UPowerDevices::addDevice(powersupply::Reading& reading, const QVariantMap& 
 void UPowerDevices::enumerate()
 {
     const quint64 generation = ++m_generation;
-    auto* pending = new QDBusPendingCallWatcher(
-        m_bus.asyncCall(QDBusMessage::createMethodCall(service, managerPath, managerInterface,
-                                                       QStringLiteral("EnumerateDevices"))),
-        this);
+    auto* pending =
+        new QDBusPendingCallWatcher(m_bus.asyncCall(QDBusMessage::createMethodCall(
+                                        service, managerPath, managerInterface, QStringLiteral("EnumerateDevices"))),
+                                    this);
     connect(pending, &QDBusPendingCallWatcher::finished, this, [this, generation](QDBusPendingCallWatcher* call) {
         call->deleteLater();
         const QDBusPendingReply<QList<QDBusObjectPath>> reply = *call;
@@ -127,8 +127,8 @@ void UPowerDevices::enumerate()
         if (*waiting == 0)
             done();
         for (const QDBusObjectPath& path : reply.value()) {
-            QDBusMessage getAll = QDBusMessage::createMethodCall(service, path.path(), propertiesInterface,
-                                                                 QStringLiteral("GetAll"));
+            QDBusMessage getAll =
+                QDBusMessage::createMethodCall(service, path.path(), propertiesInterface, QStringLiteral("GetAll"));
             getAll << deviceInterface;
             auto* device = new QDBusPendingCallWatcher(m_bus.asyncCall(getAll), this);
             connect(device, &QDBusPendingCallWatcher::finished, this,
@@ -152,8 +152,8 @@ void UPowerDevices::devicePropertiesChanged(const QString& interface, const QVar
         return;
     // UPower also reports times, rates and update stamps every few seconds; only what a reading
     // shows is worth a refresh.
-    static const QStringList shown = {"Type", "Online", "IsPresent", "PowerSupply", "NativePath", "Model",
-                                      "Vendor", "Percentage", "Energy", "EnergyFull", "State"};
+    static const QStringList shown = {"Type",   "Online",     "IsPresent", "PowerSupply", "NativePath", "Model",
+                                      "Vendor", "Percentage", "Energy",    "EnergyFull",  "State"};
     bool matters = false;
     for (auto it = changedProperties.begin(); it != changedProperties.end(); ++it) {
         matters = matters || (shown.contains(it.key()) && device->value(it.key()) != it.value());

@@ -14,7 +14,7 @@ class QDBusPendingCallWatcher;
 class UPowerDevices : public QObject {
     Q_OBJECT
 
-public:
+  public:
     static inline const QString service = QStringLiteral("org.freedesktop.UPower");
 
     // Starts asking at once; replies arrive through the event loop.
@@ -28,15 +28,15 @@ public:
     // battery is the machine's own, any other battery-holding device a peripheral.
     static void addDevice(powersupply::Reading& reading, const QVariantMap& properties);
 
-signals:
+  signals:
     void changed();
 
-private slots:
+  private slots:
     void enumerate();
     void devicePropertiesChanged(const QString& interface, const QVariantMap& changedProperties,
                                  const QStringList& invalidated, const QDBusMessage& message);
 
-private:
+  private:
     void forget();
 
     QDBusConnection m_bus;

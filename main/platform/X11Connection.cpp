@@ -10,6 +10,9 @@ xcb_connection_t* connection()
     return x ? x->connection() : nullptr;
 }
 
-const xcb_screen_t* rootScreen(xcb_connection_t* c) { return xcb_setup_roots_iterator(xcb_get_setup(c)).data; }
+const xcb_screen_t* rootScreen(xcb_connection_t* c)
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+}
 
 } // namespace x11

@@ -69,8 +69,8 @@ void applyWidgetHints(QWindow* window)
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, "_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1,
                         &allDesktops);
     // An empty region asks for blur behind the whole window.
-    xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, "_KDE_NET_WM_BLUR_BEHIND_REGION"),
-                        XCB_ATOM_CARDINAL, 32, 0, nullptr);
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, w, atom(c, "_KDE_NET_WM_BLUR_BEHIND_REGION"), XCB_ATOM_CARDINAL, 32,
+                        0, nullptr);
     xcb_flush(c);
 }
 

@@ -75,7 +75,10 @@ std::optional<QVariant> decodeLine(const QJsonObject& line)
 
 } // namespace
 
-DefaultsSuite::DefaultsSuite(QString path) : m_path(std::move(path)) { load(); }
+DefaultsSuite::DefaultsSuite(QString path) : m_path(std::move(path))
+{
+    load();
+}
 
 std::unique_ptr<DefaultsSuite> DefaultsSuite::open(const QString& suiteName, const QString& configDir)
 {
@@ -165,7 +168,10 @@ void DefaultsSuite::setObject(const QVariant& value, const QString& key)
     }
 }
 
-void DefaultsSuite::removeObject(const QString& key) { m_values.remove(key); }
+void DefaultsSuite::removeObject(const QString& key)
+{
+    m_values.remove(key);
+}
 
 QByteArray DefaultsSuite::encoded() const
 {

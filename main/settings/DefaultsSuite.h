@@ -12,7 +12,7 @@
 #include <optional>
 
 class DefaultsSuite {
-public:
+  public:
     // Opens the named suite below `configDir` (the user's config directory when empty). Gives
     // nothing when the suite cannot be used there.
     static std::unique_ptr<DefaultsSuite> open(const QString& suiteName, const QString& configDir = {});
@@ -34,7 +34,7 @@ public:
 
     QString filePath() const { return m_path; }
 
-private:
+  private:
     explicit DefaultsSuite(QString path);
     void load();
     QByteArray encoded() const;

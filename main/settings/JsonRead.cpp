@@ -61,8 +61,7 @@ auto optionalRead(const QJsonObject& o, const QString& key, bool& ok, F read) ->
     return r;
 }
 
-template <typename T, typename F>
-std::optional<QList<T>> arrayOf(const QJsonValue& v, F read)
+template <typename T, typename F> std::optional<QList<T>> arrayOf(const QJsonValue& v, F read)
 {
     if (!v.isArray())
         return std::nullopt;
@@ -80,10 +79,22 @@ std::optional<QList<T>> arrayOf(const QJsonValue& v, F read)
 
 } // namespace
 
-std::optional<double> requiredDouble(const QJsonObject& o, const QString& key) { return asDouble(o.value(key)); }
-std::optional<qint64> requiredInt(const QJsonObject& o, const QString& key) { return asInt(o.value(key)); }
-std::optional<bool> requiredBool(const QJsonObject& o, const QString& key) { return asBool(o.value(key)); }
-std::optional<QString> requiredString(const QJsonObject& o, const QString& key) { return asString(o.value(key)); }
+std::optional<double> requiredDouble(const QJsonObject& o, const QString& key)
+{
+    return asDouble(o.value(key));
+}
+std::optional<qint64> requiredInt(const QJsonObject& o, const QString& key)
+{
+    return asInt(o.value(key));
+}
+std::optional<bool> requiredBool(const QJsonObject& o, const QString& key)
+{
+    return asBool(o.value(key));
+}
+std::optional<QString> requiredString(const QJsonObject& o, const QString& key)
+{
+    return asString(o.value(key));
+}
 
 std::optional<double> optionalDouble(const QJsonObject& o, const QString& key, bool& ok)
 {
@@ -102,8 +113,17 @@ std::optional<QString> optionalString(const QJsonObject& o, const QString& key, 
     return optionalRead(o, key, ok, asString);
 }
 
-std::optional<QList<double>> doubleArray(const QJsonValue& v) { return arrayOf<double>(v, asDouble); }
-std::optional<QList<qint64>> intArray(const QJsonValue& v) { return arrayOf<qint64>(v, asInt); }
-std::optional<QList<QString>> stringArray(const QJsonValue& v) { return arrayOf<QString>(v, asString); }
+std::optional<QList<double>> doubleArray(const QJsonValue& v)
+{
+    return arrayOf<double>(v, asDouble);
+}
+std::optional<QList<qint64>> intArray(const QJsonValue& v)
+{
+    return arrayOf<qint64>(v, asInt);
+}
+std::optional<QList<QString>> stringArray(const QJsonValue& v)
+{
+    return arrayOf<QString>(v, asString);
+}
 
 } // namespace json

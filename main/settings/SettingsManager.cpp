@@ -5,7 +5,10 @@
 #include <QQmlEngine>
 
 namespace {
-QString positionKey(const QString& name) { return "widget." + name + ".position"; }
+QString positionKey(const QString& name)
+{
+    return "widget." + name + ".position";
+}
 } // namespace
 
 SettingsManager& SettingsManager::shared()
@@ -50,8 +53,8 @@ void SettingsManager::loadSettings()
     setGlassTheme(d.stringForKey("glass-theme").value_or("transparent"));
     if (const auto data = d.dataForKey("weather"))
         setWeatherSettings(WeatherSettings::fromJson(*data).value_or(WeatherSettings()));
-    setBatteryVisibleDevices(
-        d.stringArrayForKey("widget.battery.visibleDevices").value_or(QStringList{"macbook", "watch", "mouse", "airpods"}));
+    setBatteryVisibleDevices(d.stringArrayForKey("widget.battery.visibleDevices")
+                                 .value_or(QStringList{"macbook", "watch", "mouse", "airpods"}));
 }
 
 void SettingsManager::saveSetting(const QVariant& value, const QString& key)

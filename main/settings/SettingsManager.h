@@ -16,18 +16,21 @@
 class QQmlEngine;
 class QJSEngine;
 
-#define OMBRIX_SETTING(Type, name, Name)                                                                    \
-    Q_PROPERTY(Type name READ name WRITE set##Name NOTIFY name##Changed)                                    \
-public:                                                                                                     \
-    Type name() const { return m_##name; }                                                                  \
-    void set##Name(const Type& v)                                                                           \
-    {                                                                                                       \
-        m_##name = v;                                                                                       \
-        emit name##Changed();                                                                               \
-    }                                                                                                       \
-    Q_SIGNAL void name##Changed();                                                                          \
-                                                                                                            \
-private:                                                                                                    \
+#define OMBRIX_SETTING(Type, name, Name)                                                                               \
+    Q_PROPERTY(Type name READ name WRITE set##Name NOTIFY name##Changed)                                               \
+  public:                                                                                                              \
+    Type name() const                                                                                                  \
+    {                                                                                                                  \
+        return m_##name;                                                                                               \
+    }                                                                                                                  \
+    void set##Name(const Type& v)                                                                                      \
+    {                                                                                                                  \
+        m_##name = v;                                                                                                  \
+        emit name##Changed();                                                                                          \
+    }                                                                                                                  \
+    Q_SIGNAL void name##Changed();                                                                                     \
+                                                                                                                       \
+  private:                                                                                                             \
     Type m_##name
 
 class SettingsManager : public QObject {
@@ -50,11 +53,11 @@ class SettingsManager : public QObject {
     OMBRIX_SETTING(QString, clockStyle, ClockStyle) = "analog";
     OMBRIX_SETTING(QString, glassTheme, GlassTheme) = "transparent";
     OMBRIX_SETTING(WeatherSettings, weatherSettings, WeatherSettings);
-    OMBRIX_SETTING(QStringList, batteryVisibleDevices,
-                   BatteryVisibleDevices) = {"macbook", "watch", "mouse", "airpods"};
+    OMBRIX_SETTING(QStringList, batteryVisibleDevices, BatteryVisibleDevices) = {"macbook", "watch", "mouse",
+                                                                                 "airpods"};
     OMBRIX_SETTING(SharedWidgetData, sharedData, SharedData);
 
-public:
+  public:
     static constexpr const char* suiteName = "group.com.ombrixwidget";
 
     static SettingsManager& shared();
@@ -86,7 +89,7 @@ public:
     // Raw text read of the suite for configuration that has no property (service hosts).
     std::optional<QString> configString(const QString& key) const;
 
-private:
+  private:
     std::optional<Position> getPosition(const QString& name) const;
 
     std::unique_ptr<DefaultsSuite> m_defaults;

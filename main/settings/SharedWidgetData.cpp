@@ -8,8 +8,7 @@
 
 namespace {
 
-template <typename T>
-void putOptional(QJsonObject& o, const char* key, const std::optional<T>& v)
+template <typename T> void putOptional(QJsonObject& o, const char* key, const std::optional<T>& v)
 {
     if (v)
         o.insert(key, *v);

@@ -11,12 +11,12 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QProcess>
+#include <QQuickWindow>
 #include <QRasterWindow>
 #include <QRegularExpression>
-#include <QTest>
-#include <QQuickWindow>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -34,11 +34,13 @@ QString tool(const QString& program, const QStringList& args)
 std::optional<Position> xOrigin(QWindow* w)
 {
     const QString out = tool("xwininfo", {"-id", QString::number(w->winId())});
-    const QRegularExpression rx(R"(Absolute upper-left X:\s+(-?\d+)[\s\S]*Absolute upper-left Y:\s+(-?\d+)[\s\S]*Height:\s+(\d+))");
+    const QRegularExpression rx(
+        R"(Absolute upper-left X:\s+(-?\d+)[\s\S]*Absolute upper-left Y:\s+(-?\d+)[\s\S]*Height:\s+(\d+))");
     const auto m = rx.match(out);
     if (!m.hasMatch())
         return std::nullopt;
-    return Position{m.captured(1).toDouble(), screen::primaryHeight() - (m.captured(2).toDouble() + m.captured(3).toDouble())};
+    return Position{m.captured(1).toDouble(),
+                    screen::primaryHeight() - (m.captured(2).toDouble() + m.captured(3).toDouble())};
 }
 
 // Widgets in the registry's walk order, each with its frame; one of them is dropped somewhere.
@@ -98,7 +100,7 @@ std::vector<Arrangement> arrangements(size_t count)
 }
 
 class Registry : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         if (qEnvironmentVariableIsEmpty("DISPLAY"))
@@ -208,7 +210,8 @@ TEST_F(Registry, AMoveIsSnappedOnceAndStoredOnceAsTheWindowEnds)
     ASSERT_EQ(cases.size(), 12u);
     for (const Arrangement& a : cases) {
         SCOPED_TRACE((a.moved + " dropped at " + QString::number(a.drop.x) + "," + QString::number(a.drop.y) +
-                      " among " + QString::number(a.frames.size())).toStdString());
+                      " among " + QString::number(a.frames.size()))
+                         .toStdString());
         for (auto it = a.frames.cbegin(); it != a.frames.cend(); ++it) {
             settings().setProperty((it.key() + "Size").toLatin1(), it->width == 340 ? "medium" : "small");
             settings().setPosition(Position{it->x, it->y}, it.key());

@@ -15,8 +15,14 @@
 
 namespace {
 
-bool knobWhite(const QColor& c) { return c == QColor(Qt::white); }
-bool accentBlue(const QColor& c) { return c.blue() > 200 && c.red() < 60 && c.green() > 90 && c.green() < 150; }
+bool knobWhite(const QColor& c)
+{
+    return c == QColor(Qt::white);
+}
+bool accentBlue(const QColor& c)
+{
+    return c.blue() > 200 && c.red() < 60 && c.green() > 90 && c.green() < 150;
+}
 
 void click(XSession& x, QPoint p)
 {
@@ -33,10 +39,12 @@ struct App {
     bool waitForArcs(const QString& id, const QList<Hue>& arcs, const QString& artefact, int timeoutMs = 15000)
     {
         QImage img;
-        const bool seen = XSession::waitFor([&] {
-            img = shot(id);
-            return paintRuns(img, 8, 130) == arcs;
-        }, timeoutMs);
+        const bool seen = XSession::waitFor(
+            [&] {
+                img = shot(id);
+                return paintRuns(img, 8, 130) == arcs;
+            },
+            timeoutMs);
         img.save(artifactsDir() + "/" + artefact + ".png");
         return seen;
     }

@@ -34,8 +34,10 @@ QImage photo()
     sky.setColorAt(0.55, QColor(150, 70, 140));
     sky.setColorAt(1, QColor(250, 150, 50));
     p.fillRect(image.rect(), sky);
-    const QList<std::pair<QPointF, QColor>> lights = {{{1000, 330}, QColor(255, 240, 170)}, {{860, 560}, QColor(60, 220, 255)},
-                                                      {{300, 300}, QColor(255, 90, 60)}, {{1380, 760}, QColor(255, 255, 255)}};
+    const QList<std::pair<QPointF, QColor>> lights = {{{1000, 330}, QColor(255, 240, 170)},
+                                                      {{860, 560}, QColor(60, 220, 255)},
+                                                      {{300, 300}, QColor(255, 90, 60)},
+                                                      {{1380, 760}, QColor(255, 255, 255)}};
     for (const auto& [centre, colour] : lights) {
         QRadialGradient g(centre, 160);
         g.setColorAt(0, colour);
@@ -49,10 +51,16 @@ QImage photo()
     return image;
 }
 
-double luma(QRgb c) { return 0.299 * qRed(c) + 0.587 * qGreen(c) + 0.114 * qBlue(c); }
+double luma(QRgb c)
+{
+    return 0.299 * qRed(c) + 0.587 * qGreen(c) + 0.114 * qBlue(c);
+}
 
 // An empty stretch of glass: the left margin, outside the content inset and clear of the corners.
-QRect glassArea(const QRect& window) { return QRect(window.x() + 5, window.y() + 60, 10, 50); }
+QRect glassArea(const QRect& window)
+{
+    return QRect(window.x() + 5, window.y() + 60, 10, 50);
+}
 
 double spread(const QImage& image, const QRect& r)
 {
@@ -101,9 +109,9 @@ TEST(GlassBackdrop, FrostsTheWallpaperUnderEveryCompositorAndFollowsIt)
     const QStringList widgets = {"clock", "weather", "battery", "music"};
     const QImage wallpaper = stripes(), second = photo();
     // picom as Debian starts it: its defaults, with no blur.
-    for (const GlassSetup& s : {GlassSetup{"none", "transparent"}, GlassSetup{"none", "opaque"},
-                                GlassSetup{"xcompmgr", "transparent"},
-                                GlassSetup{"xcompmgr", "opaque"}, GlassSetup{"picom", "transparent"}}) {
+    for (const GlassSetup& s :
+         {GlassSetup{"none", "transparent"}, GlassSetup{"none", "opaque"}, GlassSetup{"xcompmgr", "transparent"},
+          GlassSetup{"xcompmgr", "opaque"}, GlassSetup{"picom", "transparent"}}) {
         const QString name = QString("%1-%2").arg(s.compositor, s.theme);
         SCOPED_TRACE(name.toStdString());
         XSessionOptions options;
@@ -174,13 +182,15 @@ TEST(GlassBackdrop, FrostsTheWallpaperUnderEveryCompositorAndFollowsIt)
         QElapsedTimer clock;
         clock.start();
         setWallpaper(x, second, "photo");
-        const bool followed = XSession::waitFor([&] {
-            screen = x.grabScreen();
-            for (int i = 0; i < windows.size(); ++i)
-                if (screen.isNull() || colourDistance(mean(screen, glassArea(windows[i])), before[i]) < 12)
-                    return false;
-            return true;
-        }, 3000);
+        const bool followed = XSession::waitFor(
+            [&] {
+                screen = x.grabScreen();
+                for (int i = 0; i < windows.size(); ++i)
+                    if (screen.isNull() || colourDistance(mean(screen, glassArea(windows[i])), before[i]) < 12)
+                        return false;
+                return true;
+            },
+            3000);
         EXPECT_TRUE(followed);
         EXPECT_LE(clock.elapsed(), 1000);
         screen.save(artifactsDir() + "/glass-" + name + ".png");

@@ -12,7 +12,10 @@ namespace {
 constexpr int kScreenHeight = 900;
 
 // X geometry (top left, y down) back to app coordinates (bottom left, y up).
-QRectF appFrame(const QRect& x) { return QRectF(x.x(), kScreenHeight - (x.y() + x.height()), x.width(), x.height()); }
+QRectF appFrame(const QRect& x)
+{
+    return QRectF(x.x(), kScreenHeight - (x.y() + x.height()), x.width(), x.height());
+}
 
 std::unique_ptr<DefaultsSuite> suiteOf(const XSession& x)
 {

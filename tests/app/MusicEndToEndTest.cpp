@@ -104,11 +104,13 @@ TEST(MusicEndToEnd, ShowsTheTrackAndItsButtonsReachThePlayer)
     ASSERT_TRUE(app.bus.startPlayer("spotify", {"--title", "Bohemian Rhapsody", "--artist", "Queen", "--art-url",
                                                 app.images.url("/cover.png"), "--log", app.log}));
     // Within a poll or two: the cover fills the art frame and the play button is Spotify green.
-    EXPECT_TRUE(XSession::waitFor([&] {
-        const QImage s = app.shot();
-        return countNear(s, kArt, kCover) > kArt.width() * kArt.height() * 9 / 10
-            && countNear(s, kPlayRing, kGreen) > kPlayRing.width() * kPlayRing.height() / 2;
-    }, 15000));
+    EXPECT_TRUE(XSession::waitFor(
+        [&] {
+            const QImage s = app.shot();
+            return countNear(s, kArt, kCover) > kArt.width() * kArt.height() * 9 / 10 &&
+                   countNear(s, kPlayRing, kGreen) > kPlayRing.width() * kPlayRing.height() / 2;
+        },
+        15000));
     const QImage playing = app.shot();
     playing.save(artifactsDir() + "/music-e2e-playing.png");
     EXPECT_EQ(app.images.requestCount("/cover.png"), 1);
@@ -145,7 +147,8 @@ TEST(MusicEndToEnd, APressOnTheGlassStillDragsTheWindow)
     app.x.run("xdotool", {"mousemove", QString::number(from.x()), QString::number(from.y()), "mousedown", "1"});
     QThread::msleep(200);
     for (int step = 1; step <= 6; ++step) {
-        app.x.run("xdotool", {"mousemove", QString::number(from.x() - 40 * step), QString::number(from.y() - 30 * step)});
+        app.x.run("xdotool",
+                  {"mousemove", QString::number(from.x() - 40 * step), QString::number(from.y() - 30 * step)});
         QThread::msleep(30);
     }
     QThread::msleep(200);
@@ -165,8 +168,8 @@ QString makeTrack(const QString& dir, const QString& title, const QString& artis
     image.save(dir + "/cover.png");
     const QString track = dir + "/track.flac";
     QProcess ffmpeg;
-    ffmpeg.start("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=120", "-ar", "8000",
-                            "-ac", "1", "-metadata", "title=" + title, "-metadata", "artist=" + artist, track});
+    ffmpeg.start("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=frequency=440:duration=120", "-ar", "8000", "-ac",
+                            "1", "-metadata", "title=" + title, "-metadata", "artist=" + artist, track});
     return ffmpeg.waitForFinished(30000) && ffmpeg.exitCode() == 0 ? track : QString();
 }
 
@@ -186,8 +189,8 @@ std::unique_ptr<QProcess> startMpv(const XSession& x, const QString& track, bool
 
 QString status(const QDBusConnection& bus, const QString& busName)
 {
-    QDBusMessage get = QDBusMessage::createMethodCall(busName, "/org/mpris/MediaPlayer2",
-                                                      "org.freedesktop.DBus.Properties", "Get");
+    QDBusMessage get =
+        QDBusMessage::createMethodCall(busName, "/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties", "Get");
     get << QString("org.mpris.MediaPlayer2.Player") << QString("PlaybackStatus");
     const QDBusReply<QDBusVariant> reply = bus.call(get);
     return reply.isValid() ? reply.value().variant().toString() : QString();
@@ -235,19 +238,20 @@ TEST(MusicEndToEnd, RealPlayersTheOneThatPlaysIsShownAndDriven)
     EXPECT_EQ(app.written().value("artist"), "Late Band");
     EXPECT_EQ(app.written().value("source"), "mpv");
     EXPECT_EQ(app.written().value("artwork"), QUrl::fromLocalFile(app.x.home() + "/second/cover.png").toString());
-    EXPECT_TRUE(XSession::waitFor([&] {
-        return countNear(app.shot(), kArt, kCover) > kArt.width() * kArt.height() * 9 / 10;
-    }));
+    EXPECT_TRUE(
+        XSession::waitFor([&] { return countNear(app.shot(), kArt, kCover) > kArt.width() * kArt.height() * 9 / 10; }));
     app.shot().save(artifactsDir() + "/music-e2e-mpv.png");
 
     // The clock keeps ticking all along: three different faces within a few seconds.
     const auto clockShot = [&] { return app.x.grabScreen().copy(app.x.geometryOf(clock)); };
     QList<QImage> faces{clockShot()};
-    EXPECT_TRUE(XSession::waitFor([&] {
-        if (clockShot() != faces.last())
-            faces << clockShot();
-        return faces.size() >= 3;
-    }, 5000));
+    EXPECT_TRUE(XSession::waitFor(
+        [&] {
+            if (clockShot() != faces.last())
+                faces << clockShot();
+            return faces.size() >= 3;
+        },
+        5000));
 
     // The widget's button really pauses mpv.
     app.click(kPlayPause);
@@ -258,9 +262,8 @@ TEST(MusicEndToEnd, RealPlayersTheOneThatPlaysIsShownAndDriven)
     bus.call(QDBusMessage::createMethodCall("org.mpris.MediaPlayer2.mpv", "/org/mpris/MediaPlayer2",
                                             "org.mpris.MediaPlayer2.Player", "Play"));
     EXPECT_TRUE(XSession::waitFor([&] { return app.written().value("track") == "First Song"; }, 1000));
-    EXPECT_TRUE(XSession::waitFor([&] {
-        return countNear(app.shot(), kArt, firstCover) > kArt.width() * kArt.height() * 9 / 10;
-    }));
+    EXPECT_TRUE(XSession::waitFor(
+        [&] { return countNear(app.shot(), kArt, firstCover) > kArt.width() * kArt.height() * 9 / 10; }));
     app.shot().save(artifactsDir() + "/music-e2e-mpv-takeover.png");
 
     ::kill(pid_t(hung->processId()), SIGCONT);

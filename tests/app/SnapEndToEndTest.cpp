@@ -88,5 +88,6 @@ TEST(SnapEndToEnd, ADragSettlesOnTheSnappedOriginAndStoresExactlyThat)
     EXPECT_TRUE(XSession::waitFor([&] {
         const auto s = app.stored("clock");
         return s && QPointF(s->x, s->y) == app.origin(clock);
-    })) << app.origin(clock).x() << "," << app.origin(clock).y();
+    })) << app.origin(clock).x()
+        << "," << app.origin(clock).y();
 }

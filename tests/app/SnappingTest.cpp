@@ -5,7 +5,10 @@
 
 namespace {
 const Rect V{0, 0, 1440, 900};
-Rect small(double x, double y) { return Rect{x, y, 170, 170}; }
+Rect small(double x, double y)
+{
+    return Rect{x, y, 170, 170};
+}
 } // namespace
 
 TEST(Snapping, TableOfMoves)
@@ -32,9 +35,13 @@ TEST(Snapping, TableOfMoves)
         {"both chains' first lines: exactly on top", small(505, 305), {small(500, 300)}, small(500, 300)},
         {"screen then widget 14 away: screen wins", small(6, 500), {small(14, 100)}, small(0, 500)},
         {"screen then widget 10 away: widget wins, off the edge", small(6, 500), {small(10, 100)}, small(10, 500)},
-        {"medium against small: left edges align", Rect{205, 500, 340, 170}, {small(200, 100)},
+        {"medium against small: left edges align",
+         Rect{205, 500, 340, 170},
+         {small(200, 100)},
          Rect{200, 500, 340, 170}},
-        {"small under a medium's right edge: right edges align", small(375, 100), {Rect{200, 500, 340, 170}},
+        {"small under a medium's right edge: right edges align",
+         small(375, 100),
+         {Rect{200, 500, 340, 170}},
          small(370, 100)},
         {"walk order decides, not nearness", small(105, 500), {small(100, 100), small(110, 700)}, small(110, 500)},
         {"walk order reversed", small(105, 500), {small(110, 700), small(100, 100)}, small(100, 500)},
@@ -68,9 +75,8 @@ TEST(WidgetTable, FramesAndDefaultOrigins)
         double x, y, width;
     };
     const QList<Case> cases = {
-        {"clock", "small", 1250, 690, 170},   {"weather", "small", 1250, 480, 170},
-        {"battery", "small", 1250, 270, 170}, {"music", "medium", 1080, 40, 340},
-        {"clock", "medium", 1080, 690, 340},  {"battery", "large", 1250, 270, 170},
+        {"clock", "small", 1250, 690, 170}, {"weather", "small", 1250, 480, 170}, {"battery", "small", 1250, 270, 170},
+        {"music", "medium", 1080, 40, 340}, {"clock", "medium", 1080, 690, 340},  {"battery", "large", 1250, 270, 170},
         {"music", "", 1250, 40, 170},
     };
     for (const auto& c : cases) {

@@ -20,20 +20,20 @@ class Watcher : public QObject {
     Q_PROPERTY(int ProtocolVersion READ protocolVersion)
     Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ items)
 
-public:
+  public:
     bool hostRegistered() const { return true; }
     int protocolVersion() const { return 0; }
     QStringList items() const { return m_items; }
     QStringList m_items;
 
-public slots:
+  public slots:
     void RegisterStatusNotifierItem(const QString& service, const QDBusMessage& message)
     {
         m_items << (service.startsWith('/') ? message.service() : service);
     }
     void RegisterStatusNotifierHost(const QString&) {}
 
-signals:
+  signals:
     void StatusNotifierItemRegistered(const QString& service);
     void StatusNotifierHostRegistered();
 };
@@ -59,7 +59,8 @@ TEST(StatusNotifier, TrayItemRegistersWithTheHostWithItsColouredIcon)
     // The icon travels as ARGB pixmaps: the 22 px one is mostly our blue face, not white.
     QDBusMessage get = QDBusMessage::createMethodCall(watcher.m_items.first(), "/StatusNotifierItem",
                                                       "org.freedesktop.DBus.Properties", "Get");
-    get << "org.kde.StatusNotifierItem" << "IconPixmap";
+    get << "org.kde.StatusNotifierItem"
+        << "IconPixmap";
     const QDBusMessage reply = c.call(get, QDBus::Block, 5000);
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
     const QDBusArgument pixmaps = reply.arguments().value(0).value<QDBusVariant>().variant().value<QDBusArgument>();

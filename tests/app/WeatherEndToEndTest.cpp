@@ -2,8 +2,8 @@
 // looked at from outside: screen pixels, the server's request log, the files the app writes.
 #include "DefaultsSuite.h"
 #include "PixelChecks.h"
-#include "WeatherFixtures.h"
 #include "ReplayProcess.h"
+#include "WeatherFixtures.h"
 #include "XSession.h"
 
 #include <QDir>
@@ -27,7 +27,10 @@ const QByteArray kForecastRequest =
 // What a 170 by 170 weather window shows, told apart by pixels alone.
 enum class Panel { Loading, Error, Data, Unknown };
 
-bool lit(const QColor& c) { return (c.red() + c.green() + c.blue()) / 3 > 150; }
+bool lit(const QColor& c)
+{
+    return (c.red() + c.green() + c.blue()) / 3 > 150;
+}
 
 Panel panelOf(const QImage& w)
 {

@@ -21,14 +21,20 @@ struct Calls {
         auto& s = SettingsManager::shared();
         model.setCallbacks(
             [this, &s](const QString& n, bool v) {
-                log << QString("toggle %1 %2 prop=%3").arg(n).arg(v).arg(s.property((n + "Enabled").toLatin1()).toBool());
+                log << QString("toggle %1 %2 prop=%3")
+                           .arg(n)
+                           .arg(v)
+                           .arg(s.property((n + "Enabled").toLatin1()).toBool());
             },
             [this, &s](const QString& n, const QString& size) {
                 s.loadSettings(); // what the suite holds, not just memory
                 log << QString("resize %1 %2 stored=%3").arg(n, size, s.property((n + "Size").toLatin1()).toString());
             },
             [this, &s](const QString& n, bool v) {
-                log << QString("clickThrough %1 %2 prop=%3").arg(n).arg(v).arg(s.property((n + "ClickThrough").toLatin1()).toBool());
+                log << QString("clickThrough %1 %2 prop=%3")
+                           .arg(n)
+                           .arg(v)
+                           .arg(s.property((n + "ClickThrough").toLatin1()).toBool());
             });
     }
 };
@@ -121,11 +127,26 @@ TEST(ControlPanelModel, CitySearchOutcomes)
         bool stored;
     };
     const QList<Case> cases = {
-        {"found", {200, samples::geoMilano}, QString::fromUtf8("✓ Impostato su Milano, Italia"),
-         ControlPanelModel::statusGreen, true},
-        {"no results key", {200, samples::geoNone}, QString::fromUtf8("Città non trovata"), ControlPanelModel::statusRed, false},
-        {"empty results", {200, samples::geoEmpty}, QString::fromUtf8("Città non trovata"), ControlPanelModel::statusRed, false},
-        {"server error page", {500, "<html>oops</html>", "text/html"}, "Errore di rete", ControlPanelModel::statusRed, false},
+        {"found",
+         {200, samples::geoMilano},
+         QString::fromUtf8("✓ Impostato su Milano, Italia"),
+         ControlPanelModel::statusGreen,
+         true},
+        {"no results key",
+         {200, samples::geoNone},
+         QString::fromUtf8("Città non trovata"),
+         ControlPanelModel::statusRed,
+         false},
+        {"empty results",
+         {200, samples::geoEmpty},
+         QString::fromUtf8("Città non trovata"),
+         ControlPanelModel::statusRed,
+         false},
+        {"server error page",
+         {500, "<html>oops</html>", "text/html"},
+         "Errore di rete",
+         ControlPanelModel::statusRed,
+         false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -33,7 +33,6 @@ bool near(const QColor& c, const QColor& want, int tolerance = 12)
            std::abs(c.blue() - want.blue()) <= tolerance;
 }
 
-
 } // namespace
 
 TEST(ControlPanelView, WidgetsTabLooksAndOpensCardsOnlyWhileOn)
@@ -131,7 +130,8 @@ TEST(ControlPanelView, OnlyTheCheckboxItselfFlipsIt)
     QTest::qWait(50);
     EXPECT_TRUE(SettingsManager::shared().batteryVisibleDevices().contains("mouse"));
     QTest::mouseClick(view.window(), Qt::LeftButton, {}, centreOf(box, view.root()));
-    EXPECT_TRUE(XSession::waitFor([] { return !SettingsManager::shared().batteryVisibleDevices().contains("mouse"); }, 2000));
+    EXPECT_TRUE(
+        XSession::waitFor([] { return !SettingsManager::shared().batteryVisibleDevices().contains("mouse"); }, 2000));
     SettingsManager::shared().loadSettings();
     EXPECT_EQ(SettingsManager::shared().batteryVisibleDevices(), (QStringList{"macbook", "watch", "airpods"}));
 }
@@ -177,8 +177,8 @@ TEST(ControlPanelView, ALongStatusLineEndsInAnEllipsisInsideThePanel)
     ASSERT_TRUE(server.listen());
     pointWeatherServicesAt(server.baseUrl());
     const QByteArray name = QByteArray("Llanfairpwllgwyngyll ").repeated(12).trimmed();
-    server.setJson("/v1/search",
-                   R"({"results":[{"name":")" + name + R"(","latitude":53.2,"longitude":-4.2,"country":"Regno Unito"}]})");
+    server.setJson("/v1/search", R"({"results":[{"name":")" + name +
+                                     R"(","latitude":53.2,"longitude":-4.2,"country":"Regno Unito"}]})");
     ViewHarness view(kUrl, 420, 600);
     ASSERT_TRUE(view.root()) << view.errors().toStdString();
     auto* model = view.root()->property("model").value<ControlPanelModel*>();

@@ -44,7 +44,10 @@ TEST(CommandLine, OptionsAndMissingDisplayAnswerWithoutAWindow)
         {{"--help"}, 0, "Uso: OmbrixWidget [--help | --version]\n", ""},
         {{"--version"}, 0, "OmbrixWidget " OMBRIX_VERSION "\n", ""},
         {{"--frob"}, 2, "", "OmbrixWidget: opzione sconosciuta \"--frob\" (vedi --help)\n"},
-        {{}, 1, "", "OmbrixWidget: nessun display X raggiungibile (DISPLAY=\"\"): serve una sessione grafica X11 o XWayland.\n"},
+        {{},
+         1,
+         "",
+         "OmbrixWidget: nessun display X raggiungibile (DISPLAY=\"\"): serve una sessione grafica X11 o XWayland.\n"},
     };
     for (const Case& c : cases) {
         const Outcome r = runApp(c.args, env);

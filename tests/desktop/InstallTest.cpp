@@ -37,7 +37,8 @@ TEST(Install, DestdirHoldsTheFilesAndTheInstalledProgramRunsAlone)
     const QString id = "com.ombrixwidget.OmbrixWidget";
     const QString usr = dest.path() + "/usr";
     QStringList expected = {"bin/OmbrixWidget", "share/applications/" + id + ".desktop",
-                            "share/metainfo/" + id + ".metainfo.xml", "share/icons/hicolor/scalable/apps/" + id + ".svg"};
+                            "share/metainfo/" + id + ".metainfo.xml",
+                            "share/icons/hicolor/scalable/apps/" + id + ".svg"};
     for (int px : {16, 22, 24, 32, 48, 64, 128, 256})
         expected << QString("share/icons/hicolor/%1x%1/apps/%2.png").arg(px).arg(id);
     for (const QString& file : expected)
@@ -47,7 +48,9 @@ TEST(Install, DestdirHoldsTheFilesAndTheInstalledProgramRunsAlone)
     QString out;
     EXPECT_EQ(runTool("desktop-file-validate", {usr + "/share/applications/" + id + ".desktop"}, env, &out), 0);
     EXPECT_EQ(out, "") << out.toStdString();
-    EXPECT_EQ(runTool("appstreamcli", {"validate", "--no-net", usr + "/share/metainfo/" + id + ".metainfo.xml"}, env, &out), 0)
+    EXPECT_EQ(
+        runTool("appstreamcli", {"validate", "--no-net", usr + "/share/metainfo/" + id + ".metainfo.xml"}, env, &out),
+        0)
         << out.toStdString();
 
     // Started from its install prefix, in a mount namespace where the build folder is an empty

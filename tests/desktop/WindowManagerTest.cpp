@@ -38,7 +38,10 @@ bool isAbove(const XSession& x, const QString& upper, const QString& lower)
     return u >= 0 && l >= 0 && u < l;
 }
 
-QString hexId(const QString& id) { return "0x" + QString::number(id.toULongLong(), 16); }
+QString hexId(const QString& id)
+{
+    return "0x" + QString::number(id.toULongLong(), 16);
+}
 
 QString activeWindow(const XSession& x)
 {
@@ -75,14 +78,20 @@ TEST_P(WindowManager, WidgetStaysBelowUnfocusedOnEveryDesktop)
     normal.start("xmessage", {"-geometry", "400x300+1100+100", "ordinary window"});
     QString other;
     ASSERT_TRUE(XSession::waitFor([&] {
-        other = x.run("xdotool", {"search", "--onlyvisible", "--class", "xmessage"}).split('\n', Qt::SkipEmptyParts).value(0);
+        other = x.run("xdotool", {"search", "--onlyvisible", "--class", "xmessage"})
+                    .split('\n', Qt::SkipEmptyParts)
+                    .value(0);
         return !other.isEmpty();
     }));
     // Clicked until the manager has it in place and focused.
-    ASSERT_TRUE(XSession::waitFor([&] {
-        x.run("xdotool", {"mousemove", "1200", "350", "click", "1"});
-        return XSession::waitFor([&] { return activeWindow(x) == hexId(other); }, 500);
-    }, 10000)) << x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"}).toStdString() << other.toStdString() << x.run("xwininfo", {"-id", other}).toStdString();
+    ASSERT_TRUE(XSession::waitFor(
+        [&] {
+            x.run("xdotool", {"mousemove", "1200", "350", "click", "1"});
+            return XSession::waitFor([&] { return activeWindow(x) == hexId(other); }, 500);
+        },
+        10000))
+        << x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"}).toStdString() << other.toStdString()
+        << x.run("xwininfo", {"-id", other}).toStdString();
     EXPECT_TRUE(isAbove(x, other, widget));
 
     // A click on the widget's uncovered top, then a drag of it.
@@ -90,19 +99,22 @@ TEST_P(WindowManager, WidgetStaysBelowUnfocusedOnEveryDesktop)
     QThread::msleep(600);
     EXPECT_TRUE(isAbove(x, other, widget)) << "after a click";
     EXPECT_EQ(activeWindow(x), hexId(other)) << "after a click";
-    x.run("xdotool", {"mousemove", "1330", "70", "mousedown", "1", "mousemove", "1325", "72", "sleep", "0.1",
-                      "mousemove", "1300", "80", "sleep", "0.1", "mousemove", "1250", "90", "sleep", "0.2",
-                      "mouseup", "1"});
+    x.run("xdotool", {"mousemove", "1330", "70",        "mousedown", "1",       "mousemove", "1325", "72",
+                      "sleep",     "0.1",  "mousemove", "1300",      "80",      "sleep",     "0.1",  "mousemove",
+                      "1250",      "90",   "sleep",     "0.2",       "mouseup", "1"});
     // The window follows the hand (a managed move starts a few pixels late), and the move's end went
     // through snapping into the store, in app coordinates (y up, 900 high).
     QRect moved;
     EXPECT_TRUE(XSession::waitFor([&] { return (moved = x.geometryOf(widget)).x() <= 1180; }, 5000)) << moved.x();
-    EXPECT_TRUE(XSession::waitFor([&] {
-        const auto data = DefaultsSuite::open(SettingsManager::suiteName, x.configDir())->dataForKey("widget.clock.position");
-        const auto stored = data ? Position::fromJson(*data) : std::nullopt;
-        moved = x.geometryOf(widget);
-        return stored && stored->x == moved.x() && stored->y == 900 - moved.bottom() - 1;
-    }, 5000));
+    EXPECT_TRUE(XSession::waitFor(
+        [&] {
+            const auto data =
+                DefaultsSuite::open(SettingsManager::suiteName, x.configDir())->dataForKey("widget.clock.position");
+            const auto stored = data ? Position::fromJson(*data) : std::nullopt;
+            moved = x.geometryOf(widget);
+            return stored && stored->x == moved.x() && stored->y == 900 - moved.bottom() - 1;
+        },
+        5000));
     x.grabScreen().save(artifactsDir() + "/wm-" + QString::fromStdString(GetParam()) + ".png");
     EXPECT_TRUE(isAbove(x, other, widget)) << "after a drag";
     EXPECT_EQ(activeWindow(x), hexId(other)) << "after a drag";

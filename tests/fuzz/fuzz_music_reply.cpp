@@ -8,7 +8,7 @@
 namespace {
 
 class OneReply : public ScriptRunner {
-public:
+  public:
     std::optional<QString> run(const QString& script) override
     {
         if (script == musicscript::nowPlaying("Spotify"))

@@ -38,7 +38,7 @@ struct FakeBatteryTexts : BatteryTextSource {
 };
 
 class FakeBatteryScope {
-public:
+  public:
     FakeBatteryScope()
     {
         auto fake = std::make_unique<FakeBatteryTexts>();

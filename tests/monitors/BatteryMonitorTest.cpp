@@ -1,5 +1,5 @@
-#include "BatteryFixtures.h"
 #include "BatteryMonitor.h"
+#include "BatteryFixtures.h"
 #include "FakePowerSupplyTree.h"
 #include "OutsideData.h"
 #include "SettingsManager.h"
@@ -16,29 +16,36 @@ struct BatteryMonitorProbe {
 
 namespace {
 
-BatteryDevice macbook(qint64 percent, bool charging) { return {"macbook", "MacBook", percent, charging, "macbook"}; }
+BatteryDevice macbook(qint64 percent, bool charging)
+{
+    return {"macbook", "MacBook", percent, charging, "macbook"};
+}
 
 BatteryDevice accessory(const QString& id, const QString& name, qint64 percent, const QString& type)
 {
     return {id, name, percent, false, type};
 }
 
-const QString magicMouseBlock = "+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, "
-                                "id 0x1a3b, registered>\n"
-                                "    {\n"
-                                "      \"BatteryPercent\" = 64\n"
-                                "      \"Product\" = \"Magic Mouse\"\n"
-                                "    }\n";
+const QString magicMouseBlock =
+    "+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, "
+    "id 0x1a3b, registered>\n"
+    "    {\n"
+    "      \"BatteryPercent\" = 64\n"
+    "      \"Product\" = \"Magic Mouse\"\n"
+    "    }\n";
 
-QString withoutProduct(QString block) { return block.remove("      \"Product\" = \"Magic Mouse\"\n"); }
+QString withoutProduct(QString block)
+{
+    return block.remove("      \"Product\" = \"Magic Mouse\"\n");
+}
 
 // Points PATH at one folder for the length of a scope.
 class PathScope {
-public:
+  public:
     explicit PathScope(const QString& path) : m_old(qgetenv("PATH")) { qputenv("PATH", path.toUtf8()); }
     ~PathScope() { qputenv("PATH", m_old); }
 
-private:
+  private:
     QByteArray m_old;
 };
 
@@ -77,8 +84,8 @@ TEST(BatteryMonitor, PmsetTextGivesTheMachinesRecord)
         {"one past it", "9223372036854775808%", 100, false},
         {"leading zeros", "007%", 7, false},
         {"minus is not part of the number", "-5%", 5, false},
-        {"digits of another script count as a match that fails",
-         QString::fromUtf8("\xd9\xa8\xd9\xa7% then 50%"), 100, false},
+        {"digits of another script count as a match that fails", QString::fromUtf8("\xd9\xa8\xd9\xa7% then 50%"), 100,
+         false},
         {"a number without percent", "id=1234", 100, false},
         {"the text is not split into lines", "Now drawing from\n'AC Power'\ndischarging\n8\n%", 100, false},
     };
@@ -101,26 +108,30 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
         {"the Magic Mouse block", magicMouseBlock, {accessory("magic-mouse", "Magic Mouse", 64, "mouse")}},
         {"no name key: the header's class name is cleared", withoutProduct(magicMouseBlock), {}},
         {"header name kept when it is no service class",
-         "+-o ExampleMouseDriver  <class ExampleMouseDriver, id 0x1c10, registered>\n  {\n    \"BatteryPercent\" = 30\n  }\n",
+         "+-o ExampleMouseDriver  <class ExampleMouseDriver, id 0x1c10, registered>\n  {\n    \"BatteryPercent\" = "
+         "30\n  }\n",
          {accessory("examplemousedriver", "ExampleMouseDriver", 30, "mouse")}},
         {"the other two service classes are cleared too",
          "+-o AppleBluetoothHIDDevice  <class AppleBluetoothHIDDevice, id 0x2>\n \"BatteryPercent\" = 3\n"
          "+-o AppleDeviceBluetoothHIDDriver  <class AppleDeviceBluetoothHIDDriver, id 0x3>\n \"BatteryPercent\" = 4\n",
          {}},
-        {"a product named as a service class is cleared", header + "\"BatteryPercent\" = 5\n\"Product\" = \"AppleBluetoothHIDDevice\"\n",
+        {"a product named as a service class is cleared",
+         header + "\"BatteryPercent\" = 5\n\"Product\" = \"AppleBluetoothHIDDevice\"\n",
          {}},
         {"header name with blanks, trimmed, CRLF lines",
          "+-o   Tastiera di Bo \t <class IOService, id 0x4>\r\n  \"BatteryPercent\" = 12\r\n",
          {accessory("tastiera-di-bo", "Tastiera di Bo", 12, "accessory")}},
-        {"the header rule reads only the first line",
-         "+-o Foo\n  <class X>\n  \"BatteryPercent\" = 12\n", {}},
-        {"percent that is no number", header + "\"BatteryPercent\" = \"x\"\n\"Product\" = \"Game Pad\"\n",
+        {"the header rule reads only the first line", "+-o Foo\n  <class X>\n  \"BatteryPercent\" = 12\n", {}},
+        {"percent that is no number",
+         header + "\"BatteryPercent\" = \"x\"\n\"Product\" = \"Game Pad\"\n",
          {accessory("game-pad", "Game Pad", 100, "accessory")}},
-        {"percent past 64 bits", header + "\"BatteryPercent\" = 99999999999999999999\n\"Product\" = \"Pad\"\n",
+        {"percent past 64 bits",
+         header + "\"BatteryPercent\" = 99999999999999999999\n\"Product\" = \"Pad\"\n",
          {accessory("pad", "Pad", 100, "accessory")}},
         {"no BatteryPercent: nothing, even with a product", header + "\"Product\" = \"Magic Mouse\"\n", {}},
         {"a longer key passes the block test but gives no percent",
-         header + "\"BatteryPercentRemaining\" = 50\n\"Product\" = \"Pad\"\n", {accessory("pad", "Pad", 100, "accessory")}},
+         header + "\"BatteryPercentRemaining\" = 50\n\"Product\" = \"Pad\"\n",
+         {accessory("pad", "Pad", 100, "accessory")}},
         {"the longer key beside the real one",
          header + "\"BatteryPercentRemaining\" = 50\n\"BatteryPercent\" = 30\n\"Product\" = \"Pad\"\n",
          {accessory("pad", "Pad", 30, "accessory")}},
@@ -133,9 +144,11 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
         {"Product standing first wins",
          header + "\"Product\" = \"Primo\"\n\"DeviceProduct\" = \"Secondo\"\n\"BatteryPercent\" = 1\n",
          {accessory("primo", "Primo", 1, "accessory")}},
-        {"any key ending in Name", header + "\"ProductID\" = 613\n\"BluetoothDeviceName\" = \"Cuffie\"\n\"BatteryPercent\" = 2\n",
+        {"any key ending in Name",
+         header + "\"ProductID\" = 613\n\"BluetoothDeviceName\" = \"Cuffie\"\n\"BatteryPercent\" = 2\n",
          {accessory("cuffie", "Cuffie", 2, "accessory")}},
-        {"unquoted keys, values across a line break", header + "BatteryPercent =\n 45\nProduct=\n\"Magic Keyboard\"\n",
+        {"unquoted keys, values across a line break",
+         header + "BatteryPercent =\n 45\nProduct=\n\"Magic Keyboard\"\n",
          {accessory("magic-keyboard", "Magic Keyboard", 45, "keyboard")}},
         {"spaces of any script around the equals sign",
          header + QString::fromUtf8("\"BatteryPercent\"\u00a0=\u2003 33\n\"Product\"\u00a0= \"Pad\"\n"),
@@ -143,9 +156,9 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
         {"digits of another script belong to the number, which then fails",
          header + QString::fromUtf8("\"BatteryPercent\" = 3\u0663\n\"Product\" = \"Pad\"\n"),
          {accessory("pad", "Pad", 100, "accessory")}},
-        {"an unclosed quote reads no name", header + "\"BatteryPercent\" = 4\n\"Product\" = \"Pad\n",
-         {}},
-        {"accessories never charge", header + "\"BatteryPercent\" = 20\n\"Product\" = \"Pad\"\n\"Status\" = \"charging\"\n",
+        {"an unclosed quote reads no name", header + "\"BatteryPercent\" = 4\n\"Product\" = \"Pad\n", {}},
+        {"accessories never charge",
+         header + "\"BatteryPercent\" = 20\n\"Product\" = \"Pad\"\n\"Status\" = \"charging\"\n",
          {accessory("pad", "Pad", 20, "accessory")}},
         {"the piece ahead of the first marker is a block",
          "\"BatteryPercent\" = 70\n\"Product\" = \"Senza Marcatore\"\n",
@@ -155,10 +168,14 @@ TEST(BatteryMonitor, IoregBlocksGiveAccessories)
          accessoryBlock("Magic Mouse", 80) + accessoryBlock("Apple Watch", 50) + accessoryBlock("Magic Mouse", 20),
          {accessory("magic-mouse", "Magic Mouse", 80, "mouse"), accessory("apple-watch", "Apple Watch", 50, "watch"),
           accessory("magic-mouse", "Magic Mouse", 20, "mouse")}},
-        {"an accessory named MacBook", accessoryBlock("MacBook", 50), {accessory("macbook", "MacBook", 50, "accessory")}},
-        {"a name longer than any screen is cut", accessoryBlock(QString(5000, 'N'), 50),
+        {"an accessory named MacBook",
+         accessoryBlock("MacBook", 50),
+         {accessory("macbook", "MacBook", 50, "accessory")}},
+        {"a name longer than any screen is cut",
+         accessoryBlock(QString(5000, 'N'), 50),
          {accessory(QString(outside::maxTextLength, 'n'), QString(outside::maxTextLength, 'N'), 50, "accessory")}},
-        {"names keep their case and non-ASCII letters", accessoryBlock(QString::fromUtf8("Über Maus"), 50),
+        {"names keep their case and non-ASCII letters",
+         accessoryBlock(QString::fromUtf8("Über Maus"), 50),
          {accessory(QString::fromUtf8("über-maus"), QString::fromUtf8("Über Maus"), 50, "accessory")}},
     };
     for (const auto& c : cases) {
@@ -190,7 +207,8 @@ TEST(BatteryMonitor, NamesAreClassifiedInTableOrder)
 TEST(BatteryMonitor, RealWorldShapes)
 {
     // Several accessories as a Mac prints them, with the keys around the ones that matter.
-    const QString ioreg = QString::fromUtf8(R"(+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, id 0x100000c4b, registered, matched, active, busy 0 (0 ms), retain 7>
+    const QString ioreg = QString::fromUtf8(
+        R"(+-o AppleDeviceManagementHIDEventService  <class AppleDeviceManagementHIDEventService, id 0x100000c4b, registered, matched, active, busy 0 (0 ms), retain 7>
     {
       "LowBatteryNotificationPercentage" = 2
       "PrimaryUsagePage" = 65280
@@ -262,7 +280,8 @@ TEST(BatteryMonitor, ShellMissingToolGivesItsErrorText)
 TEST(BatteryMonitor, ShellDrainsLargeOutput)
 {
     const qsizetype size = 2 * 1024 * 1024;
-    const QString out = BatteryMonitorProbe::shell(QString("head -c %1 /dev/zero | tr '\\0' a; echo fine >&2").arg(size));
+    const QString out =
+        BatteryMonitorProbe::shell(QString("head -c %1 /dev/zero | tr '\\0' a; echo fine >&2").arg(size));
     ASSERT_EQ(out.size(), size + 5);
     EXPECT_EQ(out.count('a'), size);
     EXPECT_TRUE(out.endsWith("fine\n"));
@@ -303,9 +322,10 @@ TEST(BatteryMonitor, LinuxTreeWhenTheToolsAreMissing)
     tree.addDeviceBattery("hid-2-battery", "Studio Headphones", 40);
     tree.addSupply("hid-3-battery", {{"type", "Battery"}, {"scope", "Device"}, {"capacity", "30"}}); // unnamed: dropped
     BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(tree.root()));
-    EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(),
-              (QList<BatteryDevice>{macbook(15, true), accessory("wireless-mouse-m510", "Wireless Mouse M510", 64, "mouse"),
-                                    accessory("studio-headphones", "Studio Headphones", 40, "airpods")}));
+    EXPECT_EQ(
+        BatteryMonitor::shared().getBatteryDevices(),
+        (QList<BatteryDevice>{macbook(15, true), accessory("wireless-mouse-m510", "Wireless Mouse M510", 64, "mouse"),
+                              accessory("studio-headphones", "Studio Headphones", 40, "airpods")}));
     BatteryMonitor::shared().setTextSource(nullptr);
 }
 
@@ -342,7 +362,8 @@ TEST(BatteryMonitor, TheAppsSourceReadsTheTreeTheSettingsName)
 TEST(BatteryMonitor, ToolsOnThePathAreRunInsteadOfTheTree)
 {
     QTemporaryDir tools;
-    writeTool(tools.path(), "pmset", "[ \"$*\" = '-g batt' ] && printf \"Now drawing from 'AC Power'\\n 61%%; charged\\n\"\n");
+    writeTool(tools.path(), "pmset",
+              "[ \"$*\" = '-g batt' ] && printf \"Now drawing from 'AC Power'\\n 61%%; charged\\n\"\n");
     // The quotes around BatteryPercent are the shell's: the tool sees the bare word.
     writeTool(tools.path(), "ioreg",
               "[ \"$5\" = BatteryPercent ] && printf '+-o X  <class X>\\n \"BatteryPercent\" = 12\\n \"Product\" = "
@@ -364,7 +385,8 @@ TEST(BatteryMonitor, ToolsOnThePathAreRunInsteadOfTheTree)
     tree.addDeviceBattery("hid-1-battery", "Magic Trackpad", 33);
     EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(), QList<BatteryDevice>{macbook(100, false)});
     BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(tree.root()));
-    EXPECT_EQ(BatteryMonitor::shared().getBatteryDevices(),
-              (QList<BatteryDevice>{macbook(100, false), accessory("magic-trackpad", "Magic Trackpad", 33, "trackpad")}));
+    EXPECT_EQ(
+        BatteryMonitor::shared().getBatteryDevices(),
+        (QList<BatteryDevice>{macbook(100, false), accessory("magic-trackpad", "Magic Trackpad", 33, "trackpad")}));
     BatteryMonitor::shared().setTextSource(nullptr);
 }

@@ -1,5 +1,5 @@
-#include "BatteryFixtures.h"
 #include "BatteryWidgetModel.h"
+#include "BatteryFixtures.h"
 #include "SettingsManager.h"
 
 #include <QFile>
@@ -18,7 +18,10 @@ BatteryDevice device(const QString& type, qint64 percent, bool charging = false,
     return {n.toLower(), n, percent, charging, type};
 }
 
-BatteryRing ring(const BatteryDevice& d, bool isSmall, const QString& label) { return {d, isSmall, label}; }
+BatteryRing ring(const BatteryDevice& d, bool isSmall, const QString& label)
+{
+    return {d, isSmall, label};
+}
 
 const QStringList allCategories = {"macbook", "watch", "mouse", "airpods"};
 
@@ -56,7 +59,9 @@ TEST(BatteryWidgetRules, GlowFollowsTheFirstMacbook)
         {"19 charging", {device("macbook", 19, true)}, BatteryWidgetModel::orange()},
         {"15 not charging", {device("macbook", 15)}, BatteryWidgetModel::red()},
         {"below zero", {device("macbook", -1)}, BatteryWidgetModel::red()},
-        {"a low accessory ahead does not count", {device("mouse", 1), device("macbook", 90)}, BatteryWidgetModel::green()},
+        {"a low accessory ahead does not count",
+         {device("mouse", 1), device("macbook", 90)},
+         BatteryWidgetModel::green()},
         {"only the first macbook counts", {device("macbook", 10), device("macbook", 90)}, BatteryWidgetModel::red()},
     };
     for (const auto& c : cases) {
@@ -76,11 +81,16 @@ TEST(BatteryWidgetRules, TypeTables)
         QString icon;
     };
     const QList<Case> cases = {
-        {"macbook", "macbook", "laptopcomputer"}, {"watch", "watch", "applewatch"},
-        {"mouse", "mouse", "mouse"},              {"keyboard", "mouse", "keyboard"},
-        {"trackpad", "mouse", "ipad.and.trackpad"}, {"pencil", "mouse", "battery.100"},
-        {"airpods", "airpods", "airpods"},        {"accessory", "mouse", "battery.100"},
-        {"Mouse", "mouse", "battery.100"},        {"", "mouse", "battery.100"},
+        {"macbook", "macbook", "laptopcomputer"},
+        {"watch", "watch", "applewatch"},
+        {"mouse", "mouse", "mouse"},
+        {"keyboard", "mouse", "keyboard"},
+        {"trackpad", "mouse", "ipad.and.trackpad"},
+        {"pencil", "mouse", "battery.100"},
+        {"airpods", "airpods", "airpods"},
+        {"accessory", "mouse", "battery.100"},
+        {"Mouse", "mouse", "battery.100"},
+        {"", "mouse", "battery.100"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.type.toStdString());
@@ -111,19 +121,36 @@ TEST(BatteryWidgetRules, RingsToShow)
         {"small: the macbook's large ring", {mouse, mac, mac2}, "small", allCategories, {ring(mac, true, "Mac di Bo")}},
         {"small ignores the visible list", {mac}, "small", {}, {ring(mac, true, "Mac di Bo")}},
         {"small without macbook is empty", {mouse, watch}, "small", allCategories, {}},
-        {"medium: every category, labels", {mac, watch, pods}, "medium", allCategories,
+        {"medium: every category, labels",
+         {mac, watch, pods},
+         "medium",
+         allCategories,
          {ring(mac, false, "Mac di Bo"), ring(watch, false, "Apple Watch"), ring(pods, false, "AirPods Pro")}},
-        {"two macbooks both pass with the computer's name", {mac, mac2}, "medium", allCategories,
+        {"two macbooks both pass with the computer's name",
+         {mac, mac2},
+         "medium",
+         allCategories,
          {ring(mac, false, "Mac di Bo"), ring(mac2, false, "Mac di Bo")}},
         {"without mouse: every input accessory and unknown type hidden",
-         {mouse, keyboard, mac, trackpad, pencil, pad, watch, pods}, "medium", {"macbook", "watch", "airpods"},
+         {mouse, keyboard, mac, trackpad, pencil, pad, watch, pods},
+         "medium",
+         {"macbook", "watch", "airpods"},
          {ring(mac, false, "Mac di Bo"), ring(watch, false, "Apple Watch"), ring(pods, false, "AirPods Pro")}},
-        {"only mouse", {mac, keyboard, pods, pad}, "medium", {"mouse"},
+        {"only mouse",
+         {mac, keyboard, pods, pad},
+         "medium",
+         {"mouse"},
          {ring(keyboard, false, "Magic Keyboard"), ring(pad, false, "Game Pad")}},
-        {"six visible: the first four", {mac, watch, mouse, keyboard, trackpad, pods}, "medium", allCategories,
+        {"six visible: the first four",
+         {mac, watch, mouse, keyboard, trackpad, pods},
+         "medium",
+         allCategories,
          {ring(mac, false, "Mac di Bo"), ring(watch, false, "Apple Watch"), ring(mouse, false, "Magic Mouse"),
           ring(keyboard, false, "Magic Keyboard")}},
-        {"an unknown size gives the row", {mac, mouse}, "large", allCategories,
+        {"an unknown size gives the row",
+         {mac, mouse},
+         "large",
+         allCategories,
          {ring(mac, false, "Mac di Bo"), ring(mouse, false, "Magic Mouse")}},
         {"the size test is exact", {mac}, "Small", allCategories, {ring(mac, false, "Mac di Bo")}},
         {"nothing visible", {mac, mouse}, "medium", {}, {}},

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 class FakeScriptRunner : public ScriptRunner {
-public:
+  public:
     std::optional<QString> run(const QString& script) override
     {
         asked << script;

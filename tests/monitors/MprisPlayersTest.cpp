@@ -1,6 +1,6 @@
 #include "MprisPlayers.h"
-#include "OutsideData.h"
 #include "MusicMonitor.h"
+#include "OutsideData.h"
 #include "PrivateBus.h"
 
 #include <QDBusConnectionInterface>
@@ -29,15 +29,26 @@ TEST(MprisRules, WhichPlayerIsShownAndWhichTakesTheButtons)
     };
     const Case cases[] = {
         {"a paused player first by name does not hide the playing one",
-         {player("aaa", "Paused", 1, 2), player("mpv", "Playing", 3, 3)}, 1, 1},
+         {player("aaa", "Paused", 1, 2), player("mpv", "Playing", 3, 3)},
+         1,
+         1},
         {"Spotify wins while it plays, though another started later",
-         {player("spotify", "Playing", 1, 1), player("vlc", "Playing", 2, 2)}, 0, 0},
+         {player("spotify", "Playing", 1, 1), player("vlc", "Playing", 2, 2)},
+         0,
+         0},
         {"a paused Spotify gives way to the player that started playing last",
-         {player("spotify", "Paused", 1, 4), player("vlc", "Playing", 5, 5), player("mpv", "Playing", 2, 2)}, 1, 1},
+         {player("spotify", "Paused", 1, 4), player("vlc", "Playing", 5, 5), player("mpv", "Playing", 2, 2)},
+         1,
+         1},
         {"nothing plays: the buttons go to the one that played last",
-         {player("vlc", "Paused", 1, 4), player("mpv", "Stopped", 2, 3)}, -1, 0},
+         {player("vlc", "Paused", 1, 4), player("mpv", "Stopped", 2, 3)},
+         -1,
+         0},
         {"none was seen playing: Spotify", {player("spotify", "Paused"), player("vlc", "Paused")}, -1, 0},
-        {"none was seen playing and no Spotify: the newest", {player("vlc", "Paused"), player("mpv", "Stopped")}, -1, 1},
+        {"none was seen playing and no Spotify: the newest",
+         {player("vlc", "Paused"), player("mpv", "Stopped")},
+         -1,
+         1},
         {"no player at all", {}, -1, -1},
     };
     for (const auto& c : cases) {
@@ -49,20 +60,24 @@ TEST(MprisRules, WhichPlayerIsShownAndWhichTakesTheButtons)
 TEST(MprisRules, ReadingOfAPlayer)
 {
     const auto reading = [](const QString& busName, const QString& identity, const QVariantMap& metadata) {
-        return MprisPlayers::readingOf(Player{MprisPlayers::busPrefix + busName, ":1.1", identity, "Playing", metadata, 1, 1, {}});
+        return MprisPlayers::readingOf(
+            Player{MprisPlayers::busPrefix + busName, ":1.1", identity, "Playing", metadata, 1, 1, {}});
     };
     const QVariantMap full{{"xesam:title", "Song"},
                            {"xesam:artist", QStringList{"Band", "Guest"}},
                            {"mpris:artUrl", "file:///music/cover.jpg"}};
-    EXPECT_EQ(reading("spotify", "Spotify", full), (MusicData{"Song", "Band, Guest", "file:///music/cover.jpg", "spotify", true}));
+    EXPECT_EQ(reading("spotify", "Spotify", full),
+              (MusicData{"Song", "Band, Guest", "file:///music/cover.jpg", "spotify", true}));
     EXPECT_EQ(reading("vlc", "VLC media player", full).source, "VLC media player");
     // Nameless players go by their bus name, without the instance part.
     EXPECT_EQ(reading("mpv.instance4242", " ", full).source, "mpv");
     // Missing texts stay absent for the view's "—"; an empty artwork address is none.
-    EXPECT_EQ(reading("mpv", "mpv", {{"mpris:artUrl", ""}}), (MusicData{std::nullopt, std::nullopt, std::nullopt, "mpv", true}));
+    EXPECT_EQ(reading("mpv", "mpv", {{"mpris:artUrl", ""}}),
+              (MusicData{std::nullopt, std::nullopt, std::nullopt, "mpv", true}));
     // Outside texts are cut to what a screen shows; an address too long to be real is none.
     const QString huge(1'000'000, 'x');
-    const MusicData big = reading("vlc", huge, {{"xesam:title", huge}, {"xesam:artist", huge}, {"mpris:artUrl", "file:///" + huge}});
+    const MusicData big =
+        reading("vlc", huge, {{"xesam:title", huge}, {"xesam:artist", huge}, {"mpris:artUrl", "file:///" + huge}});
     EXPECT_EQ(big.track->size(), outside::maxTextLength);
     EXPECT_EQ(big.artist->size(), outside::maxTextLength);
     EXPECT_EQ(big.source->size(), outside::maxTextLength);
@@ -71,7 +86,7 @@ TEST(MprisRules, ReadingOfAPlayer)
 
 // Test players on a private session bus, watched through the monitor.
 class MprisBus : public ::testing::Test {
-protected:
+  protected:
     static void SetUpTestSuite() { s_bus = new PrivateBus; }
     static void TearDownTestSuite()
     {
@@ -105,8 +120,8 @@ protected:
     }
     void call(const QString& name, const QString& method)
     {
-        s_bus->connection().call(QDBusMessage::createMethodCall(MprisPlayers::busPrefix + name, "/org/mpris/MediaPlayer2",
-                                                                "org.mpris.MediaPlayer2.Player", method));
+        s_bus->connection().call(QDBusMessage::createMethodCall(
+            MprisPlayers::busPrefix + name, "/org/mpris/MediaPlayer2", "org.mpris.MediaPlayer2.Player", method));
     }
 
     static inline PrivateBus* s_bus = nullptr;
@@ -117,7 +132,8 @@ protected:
 TEST_F(MprisBus, ThePlayerThatStartsPlayingTakesOverAtOnce)
 {
     start("aaa", {"--status", "Paused", "--title", "First by name", "--identity", "Aaa Player"});
-    start("vlc", {"--title", "Tune", "--artist", "Singer", "--art-url", "file:///tmp/c.png", "--identity", "VLC media player"});
+    start("vlc", {"--title", "Tune", "--artist", "Singer", "--art-url", "file:///tmp/c.png", "--identity",
+                  "VLC media player"});
     // The name comes with the second of the two first replies.
     const MusicData vlc{"Tune", "Singer", "file:///tmp/c.png", "VLC media player", true};
     EXPECT_TRUE(QTest::qWaitFor([&] { return m_monitor->getNowPlaying() == vlc; }, 5000));
@@ -167,7 +183,8 @@ TEST_F(MprisBus, APollSendsNothingAndAHungPlayerHoldsNothingUp)
 
     QProcess monitor;
     const QString self = s_bus->connection().baseService();
-    monitor.start("dbus-monitor", {"--address", s_bus->address(), "--profile", "type='method_call',sender='" + self + "'"});
+    monitor.start("dbus-monitor",
+                  {"--address", s_bus->address(), "--profile", "type='method_call',sender='" + self + "'"});
     QByteArray seen;
     const auto callsSeen = [&] {
         seen += monitor.readAllStandardOutput();

@@ -1,5 +1,5 @@
-#include "FakeScriptRunner.h"
 #include "MusicMonitor.h"
+#include "FakeScriptRunner.h"
 #include "MusicScripts.h"
 #include "OutsideData.h"
 
@@ -8,7 +8,10 @@
 namespace {
 
 // The texts as the players' scripting dictionaries expect them, one line per element.
-QString lines(const QStringList& l) { return l.join('\n'); }
+QString lines(const QStringList& l)
+{
+    return l.join('\n');
+}
 
 struct ScriptCase {
     const char* what;
@@ -20,22 +23,21 @@ TEST(MusicScripts, TextsAreExact)
 {
     const ScriptCase cases[] = {
         {"spotify now playing", musicscript::nowPlaying("Spotify"),
-         lines({R"(tell application "System Events")",
-                R"(    if (count of (processes whose name is "Spotify")) > 0 then)",
-                R"(        tell application "Spotify")",
-                R"(            if player state is playing then)",
-                R"(                return (name of current track) & "|||" & (artist of current track) & "|||" & (artwork url of current track) & "|||spotify")",
-                R"(            end if)", R"(        end tell)", R"(    end if)", R"(end tell)", R"(return "")"})},
+         lines(
+             {R"(tell application "System Events")",
+              R"(    if (count of (processes whose name is "Spotify")) > 0 then)",
+              R"(        tell application "Spotify")", R"(            if player state is playing then)",
+              R"(                return (name of current track) & "|||" & (artist of current track) & "|||" & (artwork url of current track) & "|||spotify")",
+              R"(            end if)", R"(        end tell)", R"(    end if)", R"(end tell)", R"(return "")"})},
         {"music now playing", musicscript::nowPlaying("Music"),
          lines({R"(tell application "System Events")",
                 R"(    if (count of (processes whose name is "Music")) > 0 then)",
-                R"(        tell application "Music")",
-                R"(            if player state is playing then)",
+                R"(        tell application "Music")", R"(            if player state is playing then)",
                 R"(                return (name of current track) & "|||" & (artist of current track) & "||||||music")",
                 R"(            end if)", R"(        end tell)", R"(    end if)", R"(end tell)", R"(return "")"})},
         {"spotify running", musicscript::isRunning("Spotify"),
-         lines({R"(tell application "System Events")", R"(    return (count of (processes whose name is "Spotify")) > 0)",
-                R"(end tell)"})},
+         lines({R"(tell application "System Events")",
+                R"(    return (count of (processes whose name is "Spotify")) > 0)", R"(end tell)"})},
         {"music running", musicscript::isRunning("Music"),
          lines({R"(tell application "System Events")", R"(    return (count of (processes whose name is "Music")) > 0)",
                 R"(end tell)"})},
@@ -71,7 +73,8 @@ TEST(MusicMonitor, NowPlayingReadsTheFirstPlayerThatPlays)
         {"spotify playing", "Song|||Band|||https://a/x.jpg|||spotify", "Other|||Else||||||music",
          record("Song", "Band", "https://a/x.jpg", "spotify"), 1},
         {"spotify silent, music playing", "", "Tune|||Singer||||||music", record("Tune", "Singer", {}, "music"), 2},
-        {"spotify fails, music playing", std::nullopt, "Tune|||Singer||||||music", record("Tune", "Singer", {}, "music"), 2},
+        {"spotify fails, music playing", std::nullopt, "Tune|||Singer||||||music",
+         record("Tune", "Singer", {}, "music"), 2},
         {"music never carries artwork", "", "Tune|||Singer|||https://a/y.jpg|||music",
          record("Tune", "Singer", {}, "music"), 2},
         {"neither plays", "", "", MusicData{}, 2},
@@ -80,14 +83,16 @@ TEST(MusicMonitor, NowPlayingReadsTheFirstPlayerThatPlays)
         {"three pieces fall through to music", "a|||b|||c", "T|||A||||||music", record("T", "A", {}, "music"), 2},
         {"no artwork: absent, still playing", "Song|||Band||||||spotify", "", record("Song", "Band", {}, "spotify"), 1},
         {"empty title stays empty", "|||Band|||u|||spotify", "", record("", "Band", "u", "spotify"), 1},
-        {"title holding the separator shifts the fields", "A|||B|||C|||art|||spotify", "",
-         record("A", "B", "C", "art"), 1},
+        {"title holding the separator shifts the fields", "A|||B|||C|||art|||spotify", "", record("A", "B", "C", "art"),
+         1},
         {"nothing is trimmed", " Song |||Band |||u|||spotify\n", "", record(" Song ", "Band ", "u", "spotify\n"), 1},
         {"outside texts cut, never inside a surrogate pair; an overlong address dropped",
-         QString(outside::maxTextLength - 1, 't') + QString::fromUtf8("\U0001F3B5") + "|||" + QString(9000, 'a') + "|||" +
-             QString(outside::maxAddressLength + 1, 'u') + "|||" + QString(9000, 's'),
-         "", record(QString(outside::maxTextLength - 1, 't'), QString(outside::maxTextLength, 'a'), {},
-                    QString(outside::maxTextLength, 's')), 1},
+         QString(outside::maxTextLength - 1, 't') + QString::fromUtf8("\U0001F3B5") + "|||" + QString(9000, 'a') +
+             "|||" + QString(outside::maxAddressLength + 1, 'u') + "|||" + QString(9000, 's'),
+         "",
+         record(QString(outside::maxTextLength - 1, 't'), QString(outside::maxTextLength, 'a'), {},
+                QString(outside::maxTextLength, 's')),
+         1},
         {"pieces beyond the fourth ignored", "t|||a|||u|||spotify|||extra", "", record("t", "a", "u", "spotify"), 1},
     };
     for (const auto& c : cases) {
@@ -121,7 +126,8 @@ TEST(MusicMonitor, ControlGoesToSpotifyWheneverItRuns)
         {"trailing line break", "true\n", "false", "playpause", R"(tell application "Spotify" to playpause)"},
         {"blanks around", "  true \t", "false", "next", R"(tell application "Spotify" to next track)"},
         {"music only", "false", "true", "playpause", R"(tell application "Music" to playpause)"},
-        {"spotify fails, music runs", std::nullopt, "true", "previous", R"(tell application "Music" to previous track)"},
+        {"spotify fails, music runs", std::nullopt, "true", "previous",
+         R"(tell application "Music" to previous track)"},
         {"music answer fails", "true", std::nullopt, "next", R"(tell application "Spotify" to next track)"},
         {"capitals are not true", "TRUE", "false", "next", std::nullopt},
         {"other words are not true", "yes", "1", "next", std::nullopt},

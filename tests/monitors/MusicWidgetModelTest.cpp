@@ -1,10 +1,10 @@
+#include "MusicWidgetModel.h"
 #include "ArtworkImage.h"
 #include "FakeScriptRunner.h"
 #include "ImageServer.h"
 #include "MusicMonitor.h"
 #include "MusicScripts.h"
 #include "MusicVisualizerModel.h"
-#include "MusicWidgetModel.h"
 #include "SettingsManager.h"
 
 #include <QFile>
@@ -36,8 +36,8 @@ TEST(MusicWidgetRules, DisplayTexts)
         QColor color;
     };
     const Case cases[] = {
-        {"spotify", "Spotify", green},     {"music", "Apple Music", pink}, {std::nullopt, "Apple Music", pink},
-        {"", "Apple Music", pink},         {"Spotify", "Spotify", pink},   {"VLC media player", "VLC media player", pink},
+        {"spotify", "Spotify", green}, {"music", "Apple Music", pink}, {std::nullopt, "Apple Music", pink},
+        {"", "Apple Music", pink},     {"Spotify", "Spotify", pink},   {"VLC media player", "VLC media player", pink},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(MusicWidgetModel::sourceLabelFor(c.source), c.label) << c.source.value_or("<absent>").toStdString();
@@ -171,7 +171,7 @@ TEST(ArtworkImageRules, PaintsTheCroppedMiddleInsideRoundedCorners)
 // ---- Downloads and refreshes, against a loopback server and a canned monitor ----
 
 class MusicWidget : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         auto runner = std::make_unique<FakeScriptRunner>();
@@ -373,7 +373,9 @@ TEST(MusicVisualizer, HeightsStayInTheirRange)
 
 TEST(MusicVisualizer, EasesInAndOut)
 {
-    const struct { qreal progress, height; } cases[] = {
+    const struct {
+        qreal progress, height;
+    } cases[] = {
         {-1, 4}, {0, 4}, {0.25, 6}, {0.5, 12}, {0.75, 18}, {1, 20}, {2, 20},
     };
     for (const auto& c : cases)

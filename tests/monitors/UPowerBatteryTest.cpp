@@ -14,7 +14,7 @@
 namespace {
 
 class UPowerBattery : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_upower.isRunning()) << "dbusmock's upower did not start";
@@ -29,7 +29,8 @@ protected:
     // The model reads UPower on the private bus and the tree beside it; active, it has read once.
     void readWith(BatteryWidgetModel& model)
     {
-        BatteryMonitor::shared().setTextSource(std::make_unique<SystemBatteryTexts>(m_tree.root(), m_upower.connection()));
+        BatteryMonitor::shared().setTextSource(
+            std::make_unique<SystemBatteryTexts>(m_tree.root(), m_upower.connection()));
         // The first reading starts asking UPower; the model refreshes when it has answered.
         QSignalSpy answered(&BatteryMonitor::shared().changes(), &ChangeNotifier::changed);
         model.setActive(true);

@@ -20,8 +20,7 @@ namespace {
 using Service = WeatherMonitor::Service;
 
 // Starts a call with a recording callback and waits for its one answer.
-template <typename T, typename Start>
-WeatherResult<T> answerOf(Start start)
+template <typename T, typename Start> WeatherResult<T> answerOf(Start start)
 {
     int calls = 0;
     std::optional<WeatherResult<T>> answer;
@@ -52,12 +51,10 @@ WeatherResult<std::optional<WeatherSettings>> search(const QString& name)
 
 WeatherResult<WeatherResponse> forecast(double lat, double lon)
 {
-    return answerOf<WeatherResponse>(
-        [&](auto cb) { WeatherMonitor::shared().fetchWeather(lat, lon, nullptr, cb); });
+    return answerOf<WeatherResponse>([&](auto cb) { WeatherMonitor::shared().fetchWeather(lat, lon, nullptr, cb); });
 }
 
-template <typename T>
-std::optional<WeatherError::Kind> errorKind(const WeatherResult<T>& r)
+template <typename T> std::optional<WeatherError::Kind> errorKind(const WeatherResult<T>& r)
 {
     if (const auto* e = std::get_if<WeatherError>(&r))
         return e->kind;
@@ -94,7 +91,7 @@ qint64 peakResidentKiB()
 }
 
 class WeatherMonitorTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         ASSERT_TRUE(server.listen());
@@ -160,8 +157,7 @@ TEST(WeatherMonitorQuery, UnusableBasesGiveNoUrl)
 {
     EXPECT_TRUE(WeatherMonitor::buildUrl("http://127.0.0.1:8/", "/json/", "a=b"));
     EXPECT_TRUE(WeatherMonitor::buildUrl("http://127.0.0.1:8/proxy", "/json/", "a=b"));
-    for (const char* base :
-         {"", "not a url", "127.0.0.1:8", "http://", "http://h?x=1", "http://h#frag", "http://h h"})
+    for (const char* base : {"", "not a url", "127.0.0.1:8", "http://", "http://h?x=1", "http://h#frag", "http://h h"})
         EXPECT_FALSE(WeatherMonitor::buildUrl(base, "/json/", "a=b")) << base;
 }
 
@@ -290,8 +286,7 @@ TEST_F(WeatherMonitorTest, AGoneContextDropsTheAnswer)
 {
     auto* context = new QObject;
     bool called = false;
-    WeatherMonitor::shared().fetchIPLocation(context,
-                                             [&](const WeatherResult<IPLocation>&) { called = true; });
+    WeatherMonitor::shared().fetchIPLocation(context, [&](const WeatherResult<IPLocation>&) { called = true; });
     QSignalSpy requested(&server, &ReplayServer::requestReceived);
     ASSERT_TRUE(requested.wait(5000));
     delete context;
@@ -321,8 +316,8 @@ TEST(WeatherMonitorLimits, HugeRepliesAreRefusedWhileReadingAndTheLoopKeepsTicki
     ASSERT_TRUE(writeLarge(dir.filePath("ip.json"), R"({"lat":45.46,"lon":9.19,"country":"Italia","city":")", tenMiB,
                            'M', R"("})"));
     ASSERT_TRUE(writeLarge(dir.filePath("geo.json"),
-                           R"({"results":[{"latitude":45.46,"longitude":9.19,"country":"Italia","name":")", tenMiB,
-                           'M', R"("}]})"));
+                           R"({"results":[{"latitude":45.46,"longitude":9.19,"country":"Italia","name":")", tenMiB, 'M',
+                           R"("}]})"));
     ASSERT_TRUE(writeLarge(dir.filePath("huge.json"), "", 100 << 20, ' ', "{}"));
     QFile routes(dir.filePath("replies.json"));
     ASSERT_TRUE(routes.open(QIODevice::WriteOnly));

@@ -6,14 +6,12 @@
 
 namespace {
 
-template <typename T>
-bool decodes(const WeatherResult<T>& r)
+template <typename T> bool decodes(const WeatherResult<T>& r)
 {
     return std::holds_alternative<T>(r);
 }
 
-template <typename T>
-bool failsDecoding(const WeatherResult<T>& r)
+template <typename T> bool failsDecoding(const WeatherResult<T>& r)
 {
     const auto* err = std::get_if<WeatherError>(&r);
     return err && err->kind == WeatherError::Kind::Decoding;
@@ -37,8 +35,7 @@ TEST(WeatherReplies, IPLocationFromTheServiceShape)
 TEST(WeatherReplies, IPLocationRequiresEveryField)
 {
     const Case cases[] = {
-        {"whole numbers for coordinates", R"({"lat":45,"lon":9,"city":"Milan","country":"Italy","isp":"x"})",
-         true},
+        {"whole numbers for coordinates", R"({"lat":45,"lon":9,"city":"Milan","country":"Italy","isp":"x"})", true},
         {"no country", R"({"lat":45.1,"lon":9.2,"city":"Milan"})", false},
         {"null city", R"({"lat":45.1,"lon":9.2,"city":null,"country":"Italy"})", false},
         {"coordinate as text", R"({"lat":"45.1","lon":9.2,"city":"Milan","country":"Italy"})", false},
@@ -147,8 +144,8 @@ TEST(WeatherReplies, ForecastStrictness)
         {"no temperature", R"({"current":{"weathercode":1}})", false},
         {"fractional code", R"({"current":{"temperature_2m":20,"weathercode":2.5}})", false},
         {"code as text", R"({"current":{"temperature_2m":20,"weathercode":"2"}})", false},
-        {"optional of the wrong type",
-         R"({"current":{"temperature_2m":20,"weathercode":1,"windspeed_10m":"7"}})", false},
+        {"optional of the wrong type", R"({"current":{"temperature_2m":20,"weathercode":1,"windspeed_10m":"7"}})",
+         false},
         {"daily not an object", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":[]})", false},
         {"daily without min", R"({"current":{"temperature_2m":20,"weathercode":1},"daily":{"time":[],
             "weathercode":[],"temperature_2m_max":[]}})",

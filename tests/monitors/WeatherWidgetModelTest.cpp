@@ -11,7 +11,10 @@
 
 namespace {
 
-SettingsManager& settings() { return SettingsManager::shared(); }
+SettingsManager& settings()
+{
+    return SettingsManager::shared();
+}
 
 QByteArray sharedFile()
 {
@@ -30,8 +33,7 @@ struct Recorder {
                          [&m, add] { add(QString("loading=%1").arg(m.loading())); });
         QObject::connect(&m, &WeatherWidgetModel::connectionErrorChanged,
                          [&m, add] { add(QString("error=%1").arg(m.connectionError())); });
-        QObject::connect(&m, &WeatherWidgetModel::cityNameChanged,
-                         [&m, add] { add("city=" + m.cityName()); });
+        QObject::connect(&m, &WeatherWidgetModel::cityNameChanged, [&m, add] { add("city=" + m.cityName()); });
         QObject::connect(&m, &WeatherWidgetModel::weatherDataChanged, [add] { add("data"); });
         QObject::connect(&m, &WeatherWidgetModel::glowColorChanged,
                          [&m, add] { add("glow=" + m.glowColor().name(QColor::HexArgb)); });
@@ -44,11 +46,10 @@ struct Recorder {
     }
 };
 
-const QStringList firstSuccess = {"loading=1", "error=0",   "city=Milan",
-                                  "data",      "loading=0", "glow=#99ffc832"};
+const QStringList firstSuccess = {"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#99ffc832"};
 
 class WeatherWidgetModelTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         ASSERT_TRUE(server.listen());
@@ -138,8 +139,7 @@ TEST_F(WeatherWidgetModelTest, TheLocationComesFromTheSettingsOnlyWithBothCoordi
         EXPECT_EQ(settings().sharedData().weather->city, c.city);
         EXPECT_EQ(server.requestLines().size(), c.askedIp ? 2 : 1);
         EXPECT_EQ(server.requestLines().first().startsWith("GET /json/"), c.askedIp);
-        EXPECT_TRUE(
-            server.requestLines().last().startsWith("GET /v1/forecast?" + c.coordinates + "&current="))
+        EXPECT_TRUE(server.requestLines().last().startsWith("GET /v1/forecast?" + c.coordinates + "&current="))
             << server.requestLines().last().toStdString();
     }
 }
@@ -171,8 +171,7 @@ TEST_F(WeatherWidgetModelTest, AFailedReloadKeepsWhatWasShown)
     rec.events.clear();
     model.loadWeatherData();
     ASSERT_TRUE(rec.waitForEnds(1));
-    EXPECT_EQ(rec.events,
-              (QStringList{"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#ffffc832"}));
+    EXPECT_EQ(rec.events, (QStringList{"loading=1", "error=0", "city=Milan", "data", "loading=0", "glow=#ffffc832"}));
     EXPECT_FALSE(model.connectionError());
     EXPECT_EQ(model.temperatureText(), QString::fromUtf8("-4°"));
     EXPECT_EQ(model.weatherDescription(), "Sereno");
@@ -191,7 +190,10 @@ TEST_F(WeatherWidgetModelTest, AFailureBeforeAnyDataShowsOnlyTheError)
     // One failure at each of the two steps; the kinds of failure are the monitor's to test.
     const Case cases[] = {
         {"ip reply without fields", [this] { server.setJson("/json/", samples::ipFail); }},
-        {"forecast not JSON", [this] { server.setReply("/v1/forecast", {502, "Bad Gateway", "text/html"}); }},
+        {"forecast not JSON",
+         [this] {
+             server.setReply("/v1/forecast", {502, "Bad Gateway", "text/html"});
+         }},
     };
     for (const auto& c : cases) {
         reset();

@@ -12,7 +12,7 @@ TEST(SingleInstance, WithoutARuntimeFolderTheSocketGoesToAPrivateOne)
         const QFileInfo dir(QFileInfo(SingleInstance::socketPathFor(":3.0")).path());
         EXPECT_TRUE(dir.isDir());
         EXPECT_EQ(int(dir.permissions() & 0x7777), int(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
-                                                        QFile::ReadUser | QFile::WriteUser | QFile::ExeUser));
+                                                       QFile::ReadUser | QFile::WriteUser | QFile::ExeUser));
         EXPECT_EQ(SingleInstance::socketPathFor("unix:3"), SingleInstance::socketPathFor(":3.0"));
     }
     qputenv("XDG_RUNTIME_DIR", saved);

@@ -67,8 +67,8 @@ TEST(DefaultsSuite, EveryKindRoundTripsIntoAnotherProcess)
     suite->setObject(QStringList{"airpods", "macbook", "a,b"}, "l.many");
     ASSERT_TRUE(suite->synchronize());
 
-    const auto out = dumpInOtherProcess(dir.path(), "group.test",
-                                        {"b.true", "b.false", "s", "s.empty", "d", "l.empty", "l.one", "l.many", "none"});
+    const auto out = dumpInOtherProcess(
+        dir.path(), "group.test", {"b.true", "b.false", "s", "s.empty", "d", "l.empty", "l.one", "l.many", "none"});
     EXPECT_EQ(out["b.true"].toObject(), (QJsonObject{{"bool", true}}));
     EXPECT_EQ(out["b.false"].toObject(), (QJsonObject{{"bool", false}}));
     EXPECT_EQ(out["s"].toObject(), (QJsonObject{{"string", "Roma, Italia \"q\" ü"}}));

@@ -22,9 +22,9 @@ TEST(SettingsManager, EmptySuiteGivesTheDefaults)
 {
     Store store;
     auto s = store.open();
-    for (bool flag : {s->clockEnabled(), s->weatherEnabled(), s->batteryEnabled(), s->musicEnabled(),
-                      s->clockClickThrough(), s->weatherClickThrough(), s->batteryClickThrough(),
-                      s->musicClickThrough()})
+    for (bool flag :
+         {s->clockEnabled(), s->weatherEnabled(), s->batteryEnabled(), s->musicEnabled(), s->clockClickThrough(),
+          s->weatherClickThrough(), s->batteryClickThrough(), s->musicClickThrough()})
         EXPECT_FALSE(flag);
     EXPECT_EQ(s->clockSize(), "small");
     EXPECT_EQ(s->weatherSize(), "small");
@@ -44,13 +44,20 @@ TEST(SettingsManager, EveryKeyRoundTripsThroughARestart)
     {
         auto s = store.open();
         const QList<std::pair<QString, QVariant>> writes = {
-            {"widget.clock.enabled", true},          {"widget.weather.enabled", true},
-            {"widget.battery.enabled", true},        {"widget.music.enabled", true},
-            {"widget.clock.clickThrough", true},     {"widget.weather.clickThrough", true},
-            {"widget.battery.clickThrough", true},   {"widget.music.clickThrough", true},
-            {"widget.clock.size", "medium"},         {"widget.weather.size", "medium"},
-            {"widget.battery.size", "large"},        {"widget.music.size", "small"},
-            {"widget.clock.style", "digital"},       {"glass-theme", "opaque"},
+            {"widget.clock.enabled", true},
+            {"widget.weather.enabled", true},
+            {"widget.battery.enabled", true},
+            {"widget.music.enabled", true},
+            {"widget.clock.clickThrough", true},
+            {"widget.weather.clickThrough", true},
+            {"widget.battery.clickThrough", true},
+            {"widget.music.clickThrough", true},
+            {"widget.clock.size", "medium"},
+            {"widget.weather.size", "medium"},
+            {"widget.battery.size", "large"},
+            {"widget.music.size", "small"},
+            {"widget.clock.style", "digital"},
+            {"glass-theme", "opaque"},
             {"widget.battery.visibleDevices", QStringList{}},
         };
         for (const auto& [key, value] : writes)
@@ -99,9 +106,8 @@ TEST(SettingsManager, SaveWeatherSettingsWritesTheSuiteBeforeObserversHearOfIt)
     Store store;
     auto s = store.open();
     std::optional<QByteArray> seenInSuite;
-    QObject::connect(s.get(), &SettingsManager::weatherSettingsChanged, [&] {
-        seenInSuite = store.suite()->dataForKey("weather");
-    });
+    QObject::connect(s.get(), &SettingsManager::weatherSettingsChanged,
+                     [&] { seenInSuite = store.suite()->dataForKey("weather"); });
     const WeatherSettings w{true, "Milano, Italia", 45.46, 9.19};
     s->saveWeatherSettings(w);
     ASSERT_TRUE(seenInSuite);
@@ -141,9 +147,8 @@ TEST(SettingsManager, BadStoredValuesFallBackWithoutTouchingOtherKeys)
         EXPECT_EQ(s->batteryVisibleDevices().size(), 4);
         EXPECT_EQ(s->glassTheme(), "opaque");
         // The bad bytes stay where they were.
-        EXPECT_EQ(store.suite()->dataForKey(c.key), c.stored.typeId() == QMetaType::QByteArray
-                                                        ? std::optional(c.stored.toByteArray())
-                                                        : std::nullopt);
+        EXPECT_EQ(store.suite()->dataForKey(c.key),
+                  c.stored.typeId() == QMetaType::QByteArray ? std::optional(c.stored.toByteArray()) : std::nullopt);
     }
 }
 

@@ -17,7 +17,10 @@ QByteArray readFile(const QString& path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-QJsonObject parsed(const QByteArray& bytes) { return QJsonDocument::fromJson(bytes).object(); }
+QJsonObject parsed(const QByteArray& bytes)
+{
+    return QJsonDocument::fromJson(bytes).object();
+}
 
 } // namespace
 
@@ -31,23 +34,30 @@ TEST(SharedWidgetData, EncodingLeavesAbsentFieldsOut)
     const QList<Case> cases = {
         {"nothing", {}, {}},
         {"empty battery list", {QList<BatteryDevice>{}, {}, {}, {}}, {{"battery", QJsonArray()}}},
-        {"weather with only city", {{}, {}, WeatherData{"Milano", {}, {}, {}}, {}},
+        {"weather with only city",
+         {{}, {}, WeatherData{"Milano", {}, {}, {}}, {}},
          {{"weather", QJsonObject{{"city", "Milano"}}}}},
         {"music not playing", {{}, {}, {}, MusicData{}}, {{"music", QJsonObject{{"playing", false}}}}},
         {"complete",
          {QList<BatteryDevice>{{"macbook", "MacBook", 87, true, "macbook"},
                                {"magic-mouse", "Magic Mouse", 64, false, "mouse"}},
-          "analog", WeatherData{"Milano", 18.4, 2, 17.1},
-          MusicData{"t", "a", "http://x/c.jpg", "spotify", true}},
+          "analog", WeatherData{"Milano", 18.4, 2, 17.1}, MusicData{"t", "a", "http://x/c.jpg", "spotify", true}},
          {{"battery",
-           QJsonArray{QJsonObject{{"id", "macbook"}, {"name", "MacBook"}, {"percent", 87}, {"charging", true},
-                                  {"type", "macbook"}},
-                      QJsonObject{{"id", "magic-mouse"}, {"name", "Magic Mouse"}, {"percent", 64},
-                                  {"charging", false}, {"type", "mouse"}}}},
+           QJsonArray{
+               QJsonObject{
+                   {"id", "macbook"}, {"name", "MacBook"}, {"percent", 87}, {"charging", true}, {"type", "macbook"}},
+               QJsonObject{{"id", "magic-mouse"},
+                           {"name", "Magic Mouse"},
+                           {"percent", 64},
+                           {"charging", false},
+                           {"type", "mouse"}}}},
           {"clockStyle", "analog"},
           {"weather", QJsonObject{{"city", "Milano"}, {"temp", 18.4}, {"code", 2}, {"apparent", 17.1}}},
-          {"music", QJsonObject{{"track", "t"}, {"artist", "a"}, {"artwork", "http://x/c.jpg"},
-                                {"source", "spotify"}, {"playing", true}}}}},
+          {"music", QJsonObject{{"track", "t"},
+                                {"artist", "a"},
+                                {"artwork", "http://x/c.jpg"},
+                                {"source", "spotify"},
+                                {"playing", true}}}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 class FakePowerSupplyTree {
-public:
+  public:
     using Attributes = QList<QPair<QString, QByteArray>>;
 
     QString root() const { return m_dir.path(); }
@@ -23,6 +23,6 @@ public:
     void addMains(const QString& name, bool online);
     void addDeviceBattery(const QString& name, const QByteArray& model, int capacity);
 
-private:
+  private:
     QTemporaryDir m_dir;
 };

@@ -5,9 +5,9 @@
 #include <QImage>
 #include <QList>
 #include <QPair>
+#include <QRect>
 #include <algorithm>
 #include <ostream>
-#include <QRect>
 
 enum class Hue { None, Red, Orange, Yellow, Green };
 
@@ -16,7 +16,10 @@ inline const char* hueName(Hue h)
     static const char* names[] = {"none", "red", "orange", "yellow", "green"};
     return names[int(h)];
 }
-inline void PrintTo(Hue h, std::ostream* os) { *os << hueName(h); }
+inline void PrintTo(Hue h, std::ostream* os)
+{
+    *os << hueName(h);
+}
 
 // Grey glass has no hue; a colour under `minSaturation` (0..255) counts as grey.
 inline Hue hueOf(const QColor& c, int minSaturation = 90)
@@ -36,7 +39,10 @@ inline Hue hueOf(const QColor& c, int minSaturation = 90)
 }
 
 // Drawn in a system colour itself, not glass tinted by a glow: opaque, bright and vivid.
-inline Hue paintHue(const QColor& c) { return c.alpha() > 200 && c.value() > 150 ? hueOf(c, 150) : Hue::None; }
+inline Hue paintHue(const QColor& c)
+{
+    return c.alpha() > 200 && c.value() > 150 ? hueOf(c, 150) : Hue::None;
+}
 
 // The painted hue near `p` (anti-aliased edges aside), or None.
 inline Hue paintHueNear(const QImage& img, QPoint p)

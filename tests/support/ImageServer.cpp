@@ -50,9 +50,9 @@ void ImageServer::answer(QTcpSocket* socket, const QByteArray& request)
     m_requests[path] += 1;
     const Route route = m_routes.value(path, Route{"not found", 404, "text/plain", 0});
     QTimer::singleShot(route.delayMs, socket, [socket, route] {
-        socket->write("HTTP/1.1 " + QByteArray::number(route.status) + " X\r\nContent-Type: " + route.contentType
-                      + "\r\nContent-Length: " + QByteArray::number(route.body.size())
-                      + "\r\nConnection: close\r\n\r\n" + route.body);
+        socket->write("HTTP/1.1 " + QByteArray::number(route.status) + " X\r\nContent-Type: " + route.contentType +
+                      "\r\nContent-Length: " + QByteArray::number(route.body.size()) + "\r\nConnection: close\r\n\r\n" +
+                      route.body);
         socket->disconnectFromHost();
     });
 }

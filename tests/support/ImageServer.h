@@ -7,7 +7,7 @@
 #include <QTcpServer>
 
 class ImageServer : public QObject {
-public:
+  public:
     explicit ImageServer(QObject* parent = nullptr);
 
     bool isListening() const { return m_server.isListening(); }
@@ -20,7 +20,7 @@ public:
     // The image as PNG bytes.
     static QByteArray png(const QImage& image);
 
-private:
+  private:
     struct Route {
         QByteArray body;
         int status = 200;

@@ -14,7 +14,10 @@ inline bool coloured(const QColor& c)
     return c.alpha() > 150 && spread > 60;
 }
 
-inline bool bright(const QColor& c) { return c.alpha() > 150 && c.red() > 200 && c.green() > 200 && c.blue() > 200; }
+inline bool bright(const QColor& c)
+{
+    return c.alpha() > 150 && c.red() > 200 && c.green() > 200 && c.blue() > 200;
+}
 
 inline int countPixels(const QImage& img, const QRect& r, bool (*test)(const QColor&))
 {

@@ -9,7 +9,7 @@
 #include <vector>
 
 class PrivateBus {
-public:
+  public:
     PrivateBus();
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
@@ -32,7 +32,7 @@ public:
 
     static QString playerProgram();
 
-private:
+  private:
     QProcess m_daemon;
     QString m_address;
     std::vector<std::pair<QString, std::unique_ptr<QProcess>>> m_players;

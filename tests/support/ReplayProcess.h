@@ -17,7 +17,7 @@ inline bool writeFile(const QString& path, const QByteArray& bytes)
 }
 
 class ReplayProcess {
-public:
+  public:
     explicit ReplayProcess(const QString& dir) : m_dir(dir) { QDir().mkpath(dir); }
     ~ReplayProcess()
     {
@@ -51,8 +51,7 @@ public:
         return lines;
     }
 
-private:
+  private:
     QString m_dir;
     QProcess m_process;
 };
-

@@ -57,17 +57,35 @@ ReplayServer::ReplayServer(QObject* parent) : QObject(parent), m_server(new QTcp
     connect(m_server, &QTcpServer::newConnection, this, &ReplayServer::onNewConnection);
 }
 
-bool ReplayServer::listen(quint16 port) { return m_server->listen(QHostAddress::LocalHost, port); }
+bool ReplayServer::listen(quint16 port)
+{
+    return m_server->listen(QHostAddress::LocalHost, port);
+}
 
-quint16 ReplayServer::port() const { return m_server->serverPort(); }
+quint16 ReplayServer::port() const
+{
+    return m_server->serverPort();
+}
 
-QString ReplayServer::baseUrl() const { return QString("http://127.0.0.1:%1").arg(port()); }
+QString ReplayServer::baseUrl() const
+{
+    return QString("http://127.0.0.1:%1").arg(port());
+}
 
-void ReplayServer::setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
+void ReplayServer::setReply(const QString& path, const Reply& reply)
+{
+    m_replies.insert(path, reply);
+}
 
-void ReplayServer::clearReplies() { m_replies.clear(); }
+void ReplayServer::clearReplies()
+{
+    m_replies.clear();
+}
 
-void ReplayServer::serveDirectory(const QString& directory) { m_directory = directory; }
+void ReplayServer::serveDirectory(const QString& directory)
+{
+    m_directory = directory;
+}
 
 std::optional<QMap<QString, ReplayServer::Reply>> ReplayServer::readDirectory(const QString& directory)
 {

@@ -17,7 +17,7 @@ class QTcpSocket;
 
 class ReplayServer : public QObject {
     Q_OBJECT
-public:
+  public:
     struct Reply {
         int status = 200;
         QByteArray body;
@@ -35,10 +35,7 @@ public:
     QString baseUrl() const; // "http://127.0.0.1:<port>"
 
     void setReply(const QString& path, const Reply& reply);
-    void setJson(const QString& path, const QByteArray& body, int status = 200)
-    {
-        setReply(path, {status, body});
-    }
+    void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
     void setHang(const QString& path) { setReply(path, {200, {}, {}, true}); }
     void clearReplies();
 
@@ -51,10 +48,10 @@ public:
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
 
-signals:
+  signals:
     void requestReceived(const QByteArray& requestLine);
 
-private:
+  private:
     void onNewConnection();
     void onReadyRead(QTcpSocket* socket);
     std::optional<Reply> replyFor(const QString& path) const;

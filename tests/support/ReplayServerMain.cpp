@@ -34,8 +34,8 @@ int main(int argc, char** argv)
     }
     // Written atomically, so whoever waits for the file never reads half a number.
     QSaveFile portFile(args[2]);
-    if (!portFile.open(QIODevice::WriteOnly) ||
-        portFile.write(QByteArray::number(server.port()) + '\n') < 0 || !portFile.commit()) {
+    if (!portFile.open(QIODevice::WriteOnly) || portFile.write(QByteArray::number(server.port()) + '\n') < 0 ||
+        !portFile.commit()) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(args[2]));
         return 1;
     }

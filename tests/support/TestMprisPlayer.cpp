@@ -16,11 +16,11 @@ class RootAdaptor : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "org.mpris.MediaPlayer2")
     Q_PROPERTY(QString Identity READ identity)
 
-public:
+  public:
     RootAdaptor(QObject* parent, QString identity) : QDBusAbstractAdaptor(parent), m_identity(std::move(identity)) {}
     QString identity() const { return m_identity; }
 
-private:
+  private:
     QString m_identity;
 };
 
@@ -30,7 +30,7 @@ class PlayerAdaptor : public QDBusAbstractAdaptor {
     Q_PROPERTY(QString PlaybackStatus READ playbackStatus)
     Q_PROPERTY(QVariantMap Metadata READ metadata)
 
-public:
+  public:
     PlayerAdaptor(QObject* parent, QString status, QVariantMap metadata, QString logPath)
         : QDBusAbstractAdaptor(parent), m_status(std::move(status)), m_metadata(std::move(metadata)),
           m_logPath(std::move(logPath))
@@ -40,7 +40,7 @@ public:
     QString playbackStatus() const { return m_status; }
     QVariantMap metadata() const { return m_metadata; }
 
-public slots:
+  public slots:
     void PlayPause()
     {
         log("PlayPause");
@@ -54,7 +54,7 @@ public slots:
     void Next() { log("Next"); }
     void Previous() { log("Previous"); }
 
-private:
+  private:
     void setStatus(const QString& status)
     {
         m_status = status;

@@ -7,7 +7,7 @@
 #include <QVariantMap>
 
 class UPowerMock {
-public:
+  public:
     // UPower's device types and states as upowerd reports them.
     static constexpr uint linePower = 1, mouse = 5, headset = 17;
     static constexpr uint pendingCharge = 5;
@@ -30,7 +30,7 @@ public:
     QString addPeripheral(const QString& model, double percent, uint type, const QString& nativePath);
     void addMains(bool online);
 
-private:
+  private:
     PrivateBus m_bus;
     QProcess m_mock;
     bool m_running = false;

@@ -9,7 +9,7 @@
 QQuickItem* findItem(QQuickItem* from, const QString& objectName);
 
 class ViewHarness {
-public:
+  public:
     // Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height.
     ViewHarness(const QString& url, int width, int height);
     ~ViewHarness();
@@ -22,10 +22,12 @@ public:
     // Lets bindings and painting settle, then grabs the window's own pixels.
     QImage grab();
     // By object name through the item tree (Repeater delegates are not QObject children).
-    template <typename T>
-    T* find(const QString& objectName) const { return qobject_cast<T*>(findItem(m_root, objectName)); }
+    template <typename T> T* find(const QString& objectName) const
+    {
+        return qobject_cast<T*>(findItem(m_root, objectName));
+    }
 
-private:
+  private:
     QQmlEngine m_engine;
     std::unique_ptr<QQuickWindow> m_window;
     QQuickItem* m_root = nullptr;

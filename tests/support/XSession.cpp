@@ -53,13 +53,15 @@ XSession::XSession(XSessionOptions options)
     ::close(fds[1]);
     QByteArray number;
     fcntl(fds[0], F_SETFL, O_NONBLOCK);
-    waitFor([&] {
-        char buf[16];
-        const ssize_t n = ::read(fds[0], buf, sizeof buf);
-        if (n > 0)
-            number.append(buf, n);
-        return number.contains('\n');
-    }, 10000);
+    waitFor(
+        [&] {
+            char buf[16];
+            const ssize_t n = ::read(fds[0], buf, sizeof buf);
+            if (n > 0)
+                number.append(buf, n);
+            return number.contains('\n');
+        },
+        10000);
     ::close(fds[0]);
     if (!number.contains('\n'))
         return;
@@ -68,7 +70,11 @@ XSession::XSession(XSessionOptions options)
     // of it does.
     for (int attempt = 0; attempt < 3; ++attempt) {
         startWindowManager(options.windowManager);
-        m_managed = waitFor([&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); }, 8000);
+        m_managed = waitFor(
+            [&] {
+                return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id");
+            },
+            8000);
         if (m_managed)
             break;
         m_helpers.back()->kill();
@@ -117,7 +123,8 @@ void XSession::startWindowManager(const QString& name)
         // Its own config, so no first-run wizard; the test's normal windows float like dialogs.
         QFile config(m_home.path() + "/i3.conf");
         config.open(QIODevice::WriteOnly);
-        config.write("# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
+        config.write(
+            "# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
         config.close();
         startHelper("i3", {"-c", config.fileName()});
     } else if (name == "kwin_x11") {
@@ -191,18 +198,21 @@ void XSession::stopApp()
 
 QStringList XSession::windowsNamed(const QString& title) const
 {
-    const QString out = run("xdotool", {"search", "--onlyvisible", "--name", "^" + QRegularExpression::escape(title) + "$"});
+    const QString out =
+        run("xdotool", {"search", "--onlyvisible", "--name", "^" + QRegularExpression::escape(title) + "$"});
     return out.split('\n', Qt::SkipEmptyParts);
 }
 
 QString XSession::waitForWindow(const QString& title, int timeoutMs) const
 {
     QString id;
-    waitFor([&] {
-        const auto ids = windowsNamed(title);
-        id = ids.size() == 1 ? ids.first() : QString();
-        return !id.isEmpty();
-    }, timeoutMs);
+    waitFor(
+        [&] {
+            const auto ids = windowsNamed(title);
+            id = ids.size() == 1 ? ids.first() : QString();
+            return !id.isEmpty();
+        },
+        timeoutMs);
     return id;
 }
 

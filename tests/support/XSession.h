@@ -1,6 +1,6 @@
 #pragma once
-// A private X display for one test: Xvfb (1440x900) with openbox (or another window manager), and on request a tray host and a
-// compositor; plus the app started inside it with its own HOME, and outside views of its windows.
+// A private X display for one test: Xvfb (1440x900) with openbox (or another window manager), and on request a tray
+// host and a compositor; plus the app started inside it with its own HOME, and outside views of its windows.
 #include <QImage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -13,14 +13,14 @@
 
 struct XSessionOptions {
     bool tray = false;
-    bool composite = false;  // xcompmgr
-    QStringList compositor = {};  // or any other compositor's command line
+    bool composite = false;      // xcompmgr
+    QStringList compositor = {}; // or any other compositor's command line
     // openbox, fluxbox, xfwm4, i3 or kwin_x11.
     QString windowManager = "openbox";
 };
 
 class XSession {
-public:
+  public:
     explicit XSession(XSessionOptions options = {});
     ~XSession();
 
@@ -52,7 +52,7 @@ public:
     // Waits for `condition`, processing events, up to `timeoutMs`.
     static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 15000);
 
-private:
+  private:
     void startWindowManager(const QString& name);
     void startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra = {});
 

@@ -23,7 +23,7 @@ struct Readings {
 };
 
 class FakeTexts : public BatteryTextSource {
-public:
+  public:
     explicit FakeTexts(Readings& r) : m_r(r) {}
     QString pmsetText() override
     {
@@ -33,7 +33,7 @@ public:
     QString ioregText() override { return m_r.ioreg; }
     QString computerName() override { return kComputer; }
 
-private:
+  private:
     Readings& m_r;
 };
 
@@ -59,7 +59,7 @@ QPoint onCircle(QPointF centre, double radius, double degrees)
 }
 
 class BatteryViewTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         BatteryMonitor::shared().setTextSource(std::make_unique<FakeTexts>(readings));
@@ -107,9 +107,9 @@ TEST_F(BatteryViewTest, SmallRingFollowsTheComputersBattery)
         const char* what;
         int percent;
         bool charging;
-        Hue arc;         // along the charged part
-        double arcMid;   // degrees where the charged part is sampled
-        bool closed;     // the arc runs round the whole circle
+        Hue arc;       // along the charged part
+        double arcMid; // degrees where the charged part is sampled
+        bool closed;   // the arc runs round the whole circle
         Hue glow;
         const char* status;
     };
@@ -169,7 +169,8 @@ TEST_F(BatteryViewTest, SmallRingFollowsTheComputersBattery)
             EXPECT_EQ(view.find<QQuickItem>("status")->property("text").toString(), c.status);
             auto* name = view.find<QQuickItem>("name");
             EXPECT_EQ(name->property("text").toString(), kComputer);
-            EXPECT_NEAR(betweenWholeSizes(name->property("font").value<QFont>(), 11, kComputer, name->implicitWidth()), 0.5, 0.2);
+            EXPECT_NEAR(betweenWholeSizes(name->property("font").value<QFont>(), 11, kComputer, name->implicitWidth()),
+                        0.5, 0.2);
         }
 }
 
@@ -184,11 +185,16 @@ TEST_F(BatteryViewTest, MediumShowsARowOfTheVisibleDevices)
     };
     const QString three = accessory("Magic Mouse", 64) + accessory("Studio Headphones", 40);
     const QList<Case> cases = {
-        {"three", three, {"macbook", "watch", "mouse", "airpods"}, {"macbook", "mouse", "airpods"},
+        {"three",
+         three,
+         {"macbook", "watch", "mouse", "airpods"},
+         {"macbook", "mouse", "airpods"},
          {kComputer, "Magic Mouse", "Studio Headphones"}},
         {"no-mouse", three, {"macbook", "watch", "airpods"}, {"macbook", "airpods"}, {kComputer, "Studio Headphones"}},
-        {"first-four", three + accessory("Apple Watch", 90) + accessory("Magic Keyboard", 70),
-         {"macbook", "watch", "mouse", "airpods"}, {"macbook", "mouse", "airpods", "watch"},
+        {"first-four",
+         three + accessory("Apple Watch", 90) + accessory("Magic Keyboard", 70),
+         {"macbook", "watch", "mouse", "airpods"},
+         {"macbook", "mouse", "airpods", "watch"},
          {kComputer, "Magic Mouse", "Studio Headphones", "Apple Watch"}},
         {"unknown-size", accessory("Apple Pencil", 10), {"mouse"}, {"pencil"}, {"Apple Pencil"}},
     };

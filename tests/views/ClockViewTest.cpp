@@ -14,7 +14,10 @@ namespace {
 const QDateTime kFrozen(QDate(2026, 11, 23), QTime(15, 30, 7)); // a Monday
 
 struct FrozenClock {
-    explicit FrozenClock(const QDateTime& at) { ClockWidgetModel::setTimeSource([at] { return at; }); }
+    explicit FrozenClock(const QDateTime& at)
+    {
+        ClockWidgetModel::setTimeSource([at] { return at; });
+    }
     ~FrozenClock() { ClockWidgetModel::setTimeSource({}); }
 };
 
@@ -44,10 +47,22 @@ bool anyNear(const QImage& img, QPoint p, bool (*test)(const QColor&))
                 return true;
     return false;
 }
-bool red(const QColor& c) { return c.red() > 180 && c.green() < 120 && c.blue() < 120 && c.alpha() > 150; }
-bool white(const QColor& c) { return c.red() > 210 && c.green() > 210 && c.blue() > 210 && c.alpha() > 150; }
-bool isRed(const QImage& img, QPoint p) { return anyNear(img, p, red); }
-bool isWhite(const QImage& img, QPoint p) { return anyNear(img, p, white); }
+bool red(const QColor& c)
+{
+    return c.red() > 180 && c.green() < 120 && c.blue() < 120 && c.alpha() > 150;
+}
+bool white(const QColor& c)
+{
+    return c.red() > 210 && c.green() > 210 && c.blue() > 210 && c.alpha() > 150;
+}
+bool isRed(const QImage& img, QPoint p)
+{
+    return anyNear(img, p, red);
+}
+bool isWhite(const QImage& img, QPoint p)
+{
+    return anyNear(img, p, white);
+}
 
 } // namespace
 
@@ -236,9 +251,9 @@ TEST(ClockView, ALongCityEndsInAnEllipsisInsideItsBox)
 {
     FrozenClock frozen(kFrozen);
     const QString city = QString("San Giovanni ").repeated(20).trimmed();
-    for (const auto& [style, size, label] : {std::tuple{"analog", "small", "analogCity"},
-                                            std::tuple{"digital", "small", "digitalCity"},
-                                            std::tuple{"digital", "medium", "digitalCity"}}) {
+    for (const auto& [style, size, label] :
+         {std::tuple{"analog", "small", "analogCity"}, std::tuple{"digital", "small", "digitalCity"},
+          std::tuple{"digital", "medium", "digitalCity"}}) {
         const QString tag = QString("clock-long-city-%1-%2").arg(style, size);
         SCOPED_TRACE(tag.toStdString());
         resetStore();

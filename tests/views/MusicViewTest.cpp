@@ -36,13 +36,13 @@ int countApart(const QImage& img, const QRect& r, const QColor& ref)
 }
 
 class MusicViewTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         ASSERT_TRUE(images.isListening());
         images.serve("/cover.png", ImageServer::png(cover()));
         // Slow enough for a test to watch the download end.
-            images.serve("/missing.png", "gone", 404, "text/plain", 300);
+        images.serve("/missing.png", "gone", 404, "text/plain", 300);
         auto fake = std::make_unique<FakeScriptRunner>();
         runner = fake.get();
         previous = MusicMonitor::shared().replaceRunner(std::move(fake));
@@ -100,13 +100,13 @@ TEST(RoundedShadowRules, DistanceToARoundedRectangle)
 {
     const QSizeF box(100, 60);
     const std::tuple<QPointF, qreal, qreal> cases[] = {
-        {{50, 30}, 10, -30},                       // centre: the nearer side is 30 away
-        {{0, 30}, 10, 0},                          // on the left edge
-        {{-5, 30}, 10, 5},                         // outside, beside a straight side
-        {{0, 0}, 0, 0},                            // square corner
-        {{0, 0}, 10, 10 * std::sqrt(2.0) - 10},    // cut corner: outside the arc
-        {{-3, -4}, 0, 5},                          // beyond a square corner
-        {{50, 30}, 500, -30},                      // a radius too large is held to half the side
+        {{50, 30}, 10, -30},                    // centre: the nearer side is 30 away
+        {{0, 30}, 10, 0},                       // on the left edge
+        {{-5, 30}, 10, 5},                      // outside, beside a straight side
+        {{0, 0}, 0, 0},                         // square corner
+        {{0, 0}, 10, 10 * std::sqrt(2.0) - 10}, // cut corner: outside the arc
+        {{-3, -4}, 0, 5},                       // beyond a square corner
+        {{50, 30}, 500, -30},                   // a radius too large is held to half the side
     };
     for (const auto& [p, radius, expected] : cases)
         EXPECT_NEAR(RoundedShadow::distance(p, box, radius), expected, 1e-9) << p.x() << "," << p.y() << " r" << radius;
@@ -217,12 +217,13 @@ TEST_F(MusicViewTest, ThreeCasesBothSourcesBothThemes)
             EXPECT_EQ(placeOf(view, "playPauseButton"), QRect(210, 112, 40, 40));
             EXPECT_EQ(placeOf(view, "nextButton"), QRect(266, 116, 32, 32));
             // Above the symbol, inside the circle: the source colour.
-            EXPECT_TRUE(nearColor(img.pixelColor(230, 117), sourceColor)) << img.pixelColor(230, 117).name().toStdString();
+            EXPECT_TRUE(nearColor(img.pixelColor(230, 117), sourceColor))
+                << img.pixelColor(230, 117).name().toStdString();
             EXPECT_TRUE(nearColor(img.pixelColor(230, 147), sourceColor));
             auto* source = view.find<QQuickItem>("source");
             EXPECT_EQ(source->property("text").toString(), look.source == "spotify" ? "Spotify" : "Apple Music");
-            EXPECT_NEAR(betweenWholeSizes(source->property("font").value<QFont>(), 9, source->property("text").toString(),
-                                          source->implicitWidth(), 0.8),
+            EXPECT_NEAR(betweenWholeSizes(source->property("font").value<QFont>(), 9,
+                                          source->property("text").toString(), source->implicitWidth(), 0.8),
                         0.5, 0.2);
             // The glyphs as large as those of 12 and 14 point fonts, white on the dark glass.
             if (look.theme == "opaque") {

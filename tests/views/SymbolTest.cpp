@@ -34,7 +34,8 @@ const QStringList kNames = {
 };
 
 // Paints the item the way the scene graph's painter node would: onto a cleared image.
-QImage paintItem(Symbol& item, QSize logical, qreal ratio = 1) {
+QImage paintItem(Symbol& item, QSize logical, qreal ratio = 1)
+{
     QImage image(logical * ratio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(ratio);
     image.fill(Qt::transparent);
@@ -51,7 +52,8 @@ struct Coverage {
     QRect bounds;
 };
 
-Coverage coverage(const QImage& image, const QColor& tint) {
+Coverage coverage(const QImage& image, const QColor& tint)
+{
     Coverage c;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
@@ -74,7 +76,8 @@ const QList<QColor> kTints = {Qt::white, QColor(10, 132, 255), QColor(255, 214, 
 
 } // namespace
 
-TEST(Symbol, EveryNameDrawsInItsTint) {
+TEST(Symbol, EveryNameDrawsInItsTint)
+{
     for (int i = 0; i < kNames.size(); ++i) {
         const QString& name = kNames[i];
         const QColor tint = kTints[i % kTints.size()];
@@ -91,14 +94,15 @@ TEST(Symbol, EveryNameDrawsInItsTint) {
         EXPECT_EQ(c.wrongColour, 0);
         // Centred, and never past the glyph's own box.
         const QSizeF box = Symbol::glyphSize(name, 36);
-        EXPECT_TRUE(QRectF(QPointF(32 - box.width() / 2, 32 - box.height() / 2), box).toAlignedRect().contains(c.bounds))
+        EXPECT_TRUE(
+            QRectF(QPointF(32 - box.width() / 2, 32 - box.height() / 2), box).toAlignedRect().contains(c.bounds))
             << c.bounds.x() << "," << c.bounds.y() << " " << c.bounds.width() << "x" << c.bounds.height();
     }
 }
 
-TEST(Symbol, UnknownNamesDrawNothing) {
-    for (const QString name :
-         {"", "bogus.symbol", "clock.fill", "../WidgetContainer", "symbols/clock", "CLOCK"}) {
+TEST(Symbol, UnknownNamesDrawNothing)
+{
+    for (const QString name : {"", "bogus.symbol", "clock.fill", "../WidgetContainer", "symbols/clock", "CLOCK"}) {
         SCOPED_TRACE(name.toStdString());
         EXPECT_FALSE(Symbol::exists(name));
         EXPECT_TRUE(Symbol::tinted(name, Qt::white, 24).isNull());
@@ -110,7 +114,8 @@ TEST(Symbol, UnknownNamesDrawNothing) {
     }
 }
 
-TEST(Symbol, IsAsLargeAsAGlyphOfItsPointSize) {
+TEST(Symbol, IsAsLargeAsAGlyphOfItsPointSize)
+{
     // The drawn glyph of the places that name a point size: the transport buttons, a ring's icon,
     // a card's icon. Fitted into an N-pixel square instead, the first is 10x6.
     const struct {
@@ -139,7 +144,8 @@ TEST(Symbol, IsAsLargeAsAGlyphOfItsPointSize) {
     }
 }
 
-TEST(Symbol, ChangesRepaintWithTheNewValue) {
+TEST(Symbol, ChangesRepaintWithTheNewValue)
+{
     Symbol item;
     item.setName("square");
     item.setPointSize(20);
@@ -165,7 +171,8 @@ TEST(Symbol, ChangesRepaintWithTheNewValue) {
     EXPECT_EQ(colours.count(), 1);
 }
 
-TEST(Symbol, DrawsSharplyAtDoubleDensity) {
+TEST(Symbol, DrawsSharplyAtDoubleDensity)
+{
     for (const QString name : {"clock", "keyboard", "checkmark.square.fill"}) {
         SCOPED_TRACE(name.toStdString());
         Symbol item;
@@ -185,7 +192,8 @@ TEST(Symbol, DrawsSharplyAtDoubleDensity) {
     }
 }
 
-TEST(Symbol, IconCarriesTheTintedGlyph) {
+TEST(Symbol, IconCarriesTheTintedGlyph)
+{
     for (const int px : {16, 22, 32}) {
         SCOPED_TRACE(px);
         const QIcon icon = Symbol::icon("circle.grid.2x2.fill", QColor(0, 200, 0), px);
@@ -198,7 +206,8 @@ TEST(Symbol, IconCarriesTheTintedGlyph) {
     }
 }
 
-TEST(Symbol, GlyphsAreAllDifferent) {
+TEST(Symbol, GlyphsAreAllDifferent)
+{
     QSet<QByteArray> seen;
     for (const QString& name : kNames) {
         const QImage image = Symbol::tinted(name, Qt::white, 24);
@@ -207,7 +216,8 @@ TEST(Symbol, GlyphsAreAllDifferent) {
     EXPECT_EQ(seen.size(), kNames.size());
 }
 
-TEST(Symbol, IsAnElementOfTheViewsModule) {
+TEST(Symbol, IsAnElementOfTheViewsModule)
+{
     QQmlEngine engine;
     engine.addImportPath("qrc:/");
     QQmlComponent component(&engine);
@@ -224,7 +234,8 @@ TEST(Symbol, IsAnElementOfTheViewsModule) {
 }
 
 // Every glyph white on a dark ground with its name, kept as an artefact to look at.
-TEST(Symbol, ContactSheet) {
+TEST(Symbol, ContactSheet)
+{
     const QString dir = qEnvironmentVariable("OMBRIX_BUILD_DIR", QDir::tempPath()) + "/artifacts";
     ASSERT_TRUE(QDir().mkpath(dir));
     const int cell = 120, glyph = 48, columns = 5;

@@ -13,7 +13,10 @@ namespace {
 
 const QString kView = "qrc:/Ombrix/WidgetViews/WeatherWidgetView.qml";
 
-SettingsManager& settings() { return SettingsManager::shared(); }
+SettingsManager& settings()
+{
+    return SettingsManager::shared();
+}
 
 // The Milan reply with another current weather code.
 QByteArray forecastWithCode(int code)
@@ -31,7 +34,7 @@ int warmth(const QImage& img, QPoint p)
 }
 
 class WeatherViewTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override
     {
         ASSERT_TRUE(server.listen());
@@ -142,7 +145,7 @@ TEST_F(WeatherViewTest, EveryPanelAtBothSizesAndThemes)
                     EXPECT_EQ(view.find<QQuickItem>("forecast")->isVisible(), withForecast);
                     EXPECT_EQ(fontOf(view, "temperature").pixelSize(), size == "medium" ? 50 : 58);
                     if (withForecast) {
-                        EXPECT_GT(countPixels(img, forecast, coloured), 150);     // four emoji
+                        EXPECT_GT(countPixels(img, forecast, coloured), 150);                     // four emoji
                         EXPECT_GT(countPixels(img, forecast.adjusted(100, 0, 0, 0), bright), 40); // maxima
                     } else if (size == "medium") {
                         // The main column takes the whole width: nothing left of its emoji, above the glow.
