@@ -103,5 +103,10 @@ TEST(MusicWidgetModel, StatesArtworkAndButtons)
     model.control("next");
     EXPECT_EQ(fake->asked.value(2), *musicscript::control("next", "Spotify"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return fake->asked.contains(musicscript::nowPlaying("Spotify")); }, 3000));
+    // Polls only while on screen.
+    model.setActive(true);
+    EXPECT_TRUE(model.isPolling());
+    model.setActive(false);
+    EXPECT_FALSE(model.isPolling());
     MusicMonitor::shared().replaceRunner(std::move(saved));
 }
