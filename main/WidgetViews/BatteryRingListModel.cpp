@@ -1,7 +1,5 @@
 #include "BatteryRingListModel.h"
 
-#include "BatteryWidgetModel.h"
-
 int BatteryRingListModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : int(m_rings.size());
@@ -29,13 +27,13 @@ QVariant BatteryRingListModel::data(const QModelIndex& index, int role) const
     case CustomNameRole:
         return ring.customName;
     case IconNameRole:
-        return BatteryWidgetModel::iconNameFor(d.type);
+        return batteryrules::iconName(d.type);
     case ArcColorRole:
-        return BatteryWidgetModel::arcColor(d.percent);
+        return batteryrules::arcColor(d.percent);
     case PercentTextRole:
-        return BatteryWidgetModel::percentText(d.percent);
+        return batteryrules::percentText(d.percent);
     case StatusTextRole:
-        return BatteryWidgetModel::statusText(ring);
+        return batteryrules::statusText(ring);
     default:
         return {};
     }

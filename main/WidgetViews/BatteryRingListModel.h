@@ -1,18 +1,11 @@
 #pragma once
 // The rings the battery widget draws, as a list model so that a device that stays keeps its
 // delegate and its ring can animate to the new percent.
-#include "SharedWidgetData.h"
+#include "BatteryRules.h"
 
 #include <QAbstractListModel>
 #include <QList>
 #include <QtQml/qqmlregistration.h>
-
-struct BatteryRing {
-    BatteryDevice device;
-    bool isSmall = false; // the large ring of the "small" widget size
-    QString customName;   // the label under the ring
-    bool operator==(const BatteryRing&) const = default;
-};
 
 class BatteryRingListModel : public QAbstractListModel {
     Q_OBJECT

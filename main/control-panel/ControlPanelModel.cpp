@@ -103,11 +103,6 @@ void ControlPanelModel::setGlassTheme(const QString& theme)
     s.saveSetting(theme, "glass-theme");
 }
 
-bool ControlPanelModel::isDeviceVisible(const QString& key, const QStringList& visible) const
-{
-    return visible.contains(key);
-}
-
 void ControlPanelModel::setDeviceVisible(const QString& key, bool visible)
 {
     auto& s = SettingsManager::shared();

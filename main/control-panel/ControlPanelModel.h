@@ -57,7 +57,6 @@ class ControlPanelModel : public QObject {
     Q_INVOKABLE void setWidgetSize(const QString& name, const QString& size);
     Q_INVOKABLE void setClockStyle(const QString& style);
     Q_INVOKABLE void setGlassTheme(const QString& theme);
-    Q_INVOKABLE bool isDeviceVisible(const QString& key, const QStringList& visible) const;
     Q_INVOKABLE void setDeviceVisible(const QString& key, bool visible);
     Q_INVOKABLE void saveManualLocation();
 

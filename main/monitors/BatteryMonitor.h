@@ -40,7 +40,6 @@ class BatteryMonitor {
     // (no shell, output that is not UTF-8) gives "".
     static QString shell(const QString& command);
     friend class SystemBatteryTexts;
-    friend struct BatteryMonitorProbe; // reaches shell() from the tests
 
     ChangeNotifier m_changes;
     std::unique_ptr<BatteryTextSource> m_source;

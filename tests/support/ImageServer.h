@@ -1,35 +1,36 @@
 #pragma once
-// A tiny HTTP/1.1 server on 127.0.0.1 serving fixed bodies by path (images, or anything else),
-// each with its status and an optional delay; unknown paths get 404. Counts requests per path.
-#include <QByteArray>
-#include <QHash>
+// Fixed bodies (images, or anything else) by path on a loopback ReplayServer, with the number of
+// requests per path; unknown paths get 404.
+#include "ReplayServer.h"
+
+#include <QBuffer>
 #include <QImage>
-#include <QTcpServer>
 
-class ImageServer : public QObject {
+class ImageServer : public ReplayServer {
   public:
-    explicit ImageServer(QObject* parent = nullptr);
+    explicit ImageServer(QObject* parent = nullptr) : ReplayServer(parent) { m_listening = listen(); }
 
-    bool isListening() const { return m_server.isListening(); }
-    QString url(const QString& path) const;
-
+    bool isListening() const { return m_listening; }
+    QString url(const QString& path) const { return baseUrl() + path; }
     void serve(const QString& path, const QByteArray& body, int status = 200,
-               const QByteArray& contentType = "image/png", int delayMs = 0);
-    int requestCount(const QString& path) const { return m_requests.value(path); }
+               const QByteArray& contentType = "image/png", int delayMs = 0)
+    {
+        setReply(path, {status, body, contentType, false, delayMs});
+    }
+    int requestCount(const QString& path) const
+    {
+        return int(requestLines().count("GET " + path.toUtf8() + " HTTP/1.1"));
+    }
 
-    // The image as PNG bytes.
-    static QByteArray png(const QImage& image);
+    static QByteArray png(const QImage& image)
+    {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+        return bytes;
+    }
 
   private:
-    struct Route {
-        QByteArray body;
-        int status = 200;
-        QByteArray contentType;
-        int delayMs = 0;
-    };
-    void answer(QTcpSocket* socket, const QByteArray& request);
-
-    QTcpServer m_server;
-    QHash<QString, Route> m_routes;
-    QHash<QString, int> m_requests;
+    bool m_listening = false;
 };

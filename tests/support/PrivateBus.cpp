@@ -2,22 +2,25 @@
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
-#include <QDir>
-#include <QFileInfo>
 #include <QTest>
 
 namespace {
 constexpr int deadlineMs = 10000;
 const QString connectionName = QStringLiteral("ombrix-private-bus");
+
+void end(QProcess& process)
+{
+    process.terminate();
+    if (!process.waitForFinished(deadlineMs))
+        process.kill();
+}
 } // namespace
 
 PrivateBus::PrivateBus()
 {
-    m_daemon.start(QStringLiteral("dbus-daemon"), {"--session", "--print-address", "--nofork"});
-    if (!m_daemon.waitForStarted(deadlineMs))
-        return;
+    m_daemon.start("dbus-daemon", {"--session", "--print-address", "--nofork"});
     QByteArray line;
-    while (!line.contains('\n') && m_daemon.waitForReadyRead(deadlineMs))
+    while (m_daemon.waitForStarted(deadlineMs) && !line.contains('\n') && m_daemon.waitForReadyRead(deadlineMs))
         line += m_daemon.readAllStandardOutput();
     m_address = QString::fromUtf8(line).trimmed();
     if (!m_address.isEmpty())
@@ -28,11 +31,8 @@ PrivateBus::~PrivateBus()
 {
     stopPlayers();
     QDBusConnection::disconnectFromBus(connectionName);
-    if (m_daemon.state() != QProcess::NotRunning) {
-        m_daemon.terminate();
-        if (!m_daemon.waitForFinished(deadlineMs))
-            m_daemon.kill();
-    }
+    if (m_daemon.state() != QProcess::NotRunning)
+        end(m_daemon);
 }
 
 QDBusConnection PrivateBus::connection() const
@@ -48,41 +48,29 @@ bool PrivateBus::waitForName(const QString& busName, bool present) const
         deadlineMs);
 }
 
-QString PrivateBus::playerProgram()
-{
-    const QString name = QStringLiteral("ombrix-test-mpris-player");
-    const QString buildDir = qEnvironmentVariable("OMBRIX_BUILD_DIR");
-    if (!buildDir.isEmpty())
-        return buildDir + "/tests/support/" + name;
-    // Run by hand from the build tree: tests/<area>/<binary>.
-    return QDir(QCoreApplication::applicationDirPath()).absoluteFilePath("../support/" + name);
-}
-
 QProcess* PrivateBus::startPlayer(const QString& name, const QStringList& args)
 {
+    // Beside the test binary in the build tree: tests/<area>/<binary> and tests/support/<player>.
+    const QString buildDir =
+        qEnvironmentVariable("OMBRIX_BUILD_DIR", QCoreApplication::applicationDirPath() + "/../..");
     auto player = std::make_unique<QProcess>();
     player->setProcessChannelMode(QProcess::ForwardedChannels);
-    player->start(playerProgram(), QStringList{"--name", name} + args);
+    player->start(buildDir + "/tests/support/ombrix-test-mpris-player", QStringList{"--name", name} + args);
     const QString busName = "org.mpris.MediaPlayer2." + name;
     if (!player->waitForStarted(deadlineMs) || !waitForName(busName, true))
         return nullptr;
-    m_players.emplace_back(busName, std::move(player));
-    return m_players.back().second.get();
+    return m_players.emplace_back(busName, std::move(player)).second.get();
 }
 
 bool PrivateBus::stopPlayer(QProcess* player)
 {
-    for (auto it = m_players.begin(); it != m_players.end(); ++it) {
-        if (it->second.get() != player)
-            continue;
-        player->terminate();
-        if (!player->waitForFinished(deadlineMs))
-            player->kill();
-        const bool gone = waitForName(it->first, false);
-        m_players.erase(it);
-        return gone;
-    }
-    return false;
+    const auto it = std::find_if(m_players.begin(), m_players.end(), [&](auto& p) { return p.second.get() == player; });
+    if (it == m_players.end())
+        return false;
+    end(*player);
+    const bool gone = waitForName(it->first, false);
+    m_players.erase(it);
+    return gone;
 }
 
 bool PrivateBus::stopPlayers()

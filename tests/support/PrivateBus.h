@@ -1,10 +1,8 @@
 #pragma once
-// A private session bus (dbus-daemon) for one test suite, with test MPRIS players on it. Starting
-// it points DBUS_SESSION_BUS_ADDRESS at it, so the players and anything else started later use it.
+// A private session bus (dbus-daemon) for a test, with test MPRIS players on it. Starting it points
+// DBUS_SESSION_BUS_ADDRESS at it, so the players and anything else started later use it.
 #include <QDBusConnection>
 #include <QProcess>
-#include <QString>
-#include <QStringList>
 #include <memory>
 #include <vector>
 
@@ -17,20 +15,15 @@ class PrivateBus {
 
     bool isRunning() const { return !m_address.isEmpty(); }
     QString address() const { return m_address; }
-    // A connection of the test's own to the private bus.
-    QDBusConnection connection() const;
+    QDBusConnection connection() const; // the test's own connection to it
 
     // Waits (up to a deadline) until `busName` is owned (present) or free (!present).
     bool waitForName(const QString& busName, bool present) const;
-
-    // Starts ombrix-test-mpris-player with --name `name` and `args`; returns once the player owns
-    // its name, nullptr if it never does.
+    // Starts ombrix-test-mpris-player --name `name` `args`; returns once it owns its name, else nullptr.
     QProcess* startPlayer(const QString& name, const QStringList& args = {});
     // Ends one player (or all) and waits until their names are gone.
     bool stopPlayer(QProcess* player);
     bool stopPlayers();
-
-    static QString playerProgram();
 
   private:
     QProcess m_daemon;

@@ -5,26 +5,15 @@
 #include <QDBusVariant>
 #include <QProcessEnvironment>
 
-namespace {
-const QString service = QStringLiteral("org.freedesktop.UPower");
-} // namespace
-
 UPowerMock::UPowerMock()
 {
-    if (!m_bus.isRunning())
-        return;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address());
     m_mock.setProcessEnvironment(env);
     m_mock.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // Debian's own interpreter, which has the dbusmock module.
     m_mock.start("/usr/bin/python3", {"-m", "dbusmock", "--template", "upower"});
-    m_running = m_mock.waitForStarted() && m_bus.waitForName(service, true);
-}
-
-UPowerMock::~UPowerMock()
-{
-    stop();
+    m_running = m_bus.isRunning() && m_mock.waitForStarted() && m_bus.waitForName("org.freedesktop.UPower", true);
 }
 
 void UPowerMock::stop()
@@ -38,7 +27,8 @@ void UPowerMock::stop()
 
 QString UPowerMock::call(const QString& method, const QVariantList& args, const QString& path)
 {
-    QDBusMessage message = QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Mock", method);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall("org.freedesktop.UPower", path, "org.freedesktop.DBus.Mock", method);
     message.setArguments(args);
     const QDBusMessage reply = m_bus.connection().call(message);
     if (reply.type() != QDBusMessage::ReplyMessage)
@@ -51,32 +41,31 @@ void UPowerMock::set(const QString& path, const QVariantMap& properties)
     call("SetDeviceProperties", {QVariant::fromValue(QDBusObjectPath(path)), properties});
 }
 
-void UPowerMock::addProperty(const QString& path, const QString& name, const QVariant& value)
+QString UPowerMock::added(const QString& path, const QString& property, const QVariant& value)
 {
-    call("AddProperty", {"org.freedesktop.UPower.Device", name, QVariant::fromValue(QDBusVariant(value))}, path);
+    call("AddProperty", {"org.freedesktop.UPower.Device", property, QVariant::fromValue(QDBusVariant(value))}, path);
+    return path;
 }
 
-// The template's devices lack a few properties upowerd gives every device; they are added here.
 QString UPowerMock::addSystemBattery(const QString& nativeName, double percent, bool charging)
 {
-    const QString path = call(charging ? "AddChargingBattery" : "AddDischargingBattery",
-                              {"battery_" + nativeName, "Battery", percent, qlonglong(3600)});
-    addProperty(path, "NativePath", nativeName);
-    return path;
+    return added(call(charging ? "AddChargingBattery" : "AddDischargingBattery",
+                      {"battery_" + nativeName, "Battery", percent, qlonglong(3600)}),
+                 "NativePath", nativeName);
 }
 
 QString UPowerMock::addPeripheral(const QString& model, double percent, uint type, const QString& nativePath)
 {
     const QString path =
-        call("AddDischargingBattery", {QString("peripheral_%1").arg(++m_devices), model, percent, qlonglong(0)});
-    addProperty(path, "NativePath", nativePath);
+        added(call("AddDischargingBattery", {QString("peripheral_%1").arg(++m_devices), model, percent, qlonglong(0)}),
+              "NativePath", nativePath);
     set(path, {{"Type", type}, {"PowerSupply", false}});
     return path;
 }
 
-void UPowerMock::addMains(bool online)
+QString UPowerMock::addMains(bool online)
 {
-    const QString path = call("AddAC", {"line_power_AC", "Mains"});
-    addProperty(path, "Type", linePower);
+    const QString path = added(call("AddAC", {"line_power_AC", "Mains"}), "Type", linePower);
     set(path, {{"Online", online}});
+    return path;
 }

@@ -3,7 +3,6 @@
 // DBUS_SYSTEM_BUS_ADDRESS at address(), or read it through connection().
 #include "PrivateBus.h"
 
-#include <QProcess>
 #include <QVariantMap>
 
 class UPowerMock {
@@ -13,24 +12,26 @@ class UPowerMock {
     static constexpr uint pendingCharge = 5;
 
     UPowerMock();
-    ~UPowerMock();
+    ~UPowerMock() { stop(); }
 
     bool isRunning() const { return m_running; }
     QString address() const { return m_bus.address(); }
     QDBusConnection connection() const { return m_bus.connection(); }
     void stop();
 
-    // A method of the mock's control interface on `path`; its text reply (a new device's path, for one).
-    QString call(const QString& method, const QVariantList& args, const QString& path = "/org/freedesktop/UPower");
-    void addProperty(const QString& path, const QString& name, const QVariant& value);
     void set(const QString& path, const QVariantMap& properties);
-    // A battery at `percent` that is the machine's own, charging or discharging.
+    // Each gives the new device's path. A battery that is the machine's own, charging or not:
     QString addSystemBattery(const QString& nativeName, double percent, bool charging);
     // A battery that is no power supply of the machine: what BlueZ and the HID++ driver report.
     QString addPeripheral(const QString& model, double percent, uint type, const QString& nativePath);
-    void addMains(bool online);
+    QString addMains(bool online);
 
   private:
+    // A method of the mock's control interface on `path`; its text reply.
+    QString call(const QString& method, const QVariantList& args, const QString& path = "/org/freedesktop/UPower");
+    // The template's devices lack a few properties upowerd gives every device.
+    QString added(const QString& path, const QString& property, const QVariant& value);
+
     PrivateBus m_bus;
     QProcess m_mock;
     bool m_running = false;
