@@ -52,8 +52,7 @@ TEST(SettingsManager, EachSetterIsReadBackByASecondStart)
     };
     const auto rome = [&] { s->saveWeatherSettings({true, "Roma", 41.9, 12.5}); };
     const auto place = [&] { s->setPosition(Position{12.5, -30}, "music"); };
-    // The device list passes through the empty and the one-element list, which a file of plain
-    // text would read back as a string.
+    // The device list passes through the empty list and a one-element one, easily read back wrong.
     const QList<std::pair<std::function<void()>, const char*>> steps = {
         {[&] { s->setWidgetEnabled("music", true); }, "musicEnabled=true"},
         {[&] { s->setClickThrough("battery", true); }, "batteryClickThrough=true"},
