@@ -18,6 +18,14 @@ AppDelegate::AppDelegate(QObject* parent)
 {
     // Our modules' qmldir files sit under qrc:/<URI>/; through them one module uses another's QML types.
     m_engine->addImportPath("qrc:/");
+    // The panel writes the settings; the windows follow them.
+    connect(&m_settings, &SettingsManager::widgetEnabledChanged, this,
+            [this](const QString& name, bool on) { on ? spawnWidget(name) : despawnWidget(name); });
+    connect(&m_settings, &SettingsManager::widgetSizeChanged, this, &AppDelegate::resizeWidget);
+    connect(&m_settings, &SettingsManager::clickThroughChanged, this, [this](const QString& name, bool on) {
+        if (WidgetWindow* window = m_widgetWindows.value(name))
+            window->setClickThrough(on);
+    });
 }
 
 AppDelegate::~AppDelegate()
@@ -47,16 +55,12 @@ void AppDelegate::restoreWidgets()
 {
     for (const QString& name : widgets::names)
         if (widgets::enabledOf(m_settings, name))
-            toggleWidget(name, true);
+            spawnWidget(name);
 }
 
 void AppDelegate::toggleWidget(const QString& name, bool enabled)
 {
-    m_settings.saveSetting(enabled, "widget." + name + ".enabled");
-    if (enabled)
-        spawnWidget(name);
-    else
-        despawnWidget(name);
+    m_settings.setWidgetEnabled(name, enabled);
 }
 
 void AppDelegate::spawnWidget(const QString& name)
@@ -108,22 +112,12 @@ void AppDelegate::resizeWidget(const QString& name, const QString& size)
 
 void AppDelegate::updateClickThrough(const QString& name, bool enabled)
 {
-    m_settings.saveSetting(enabled, "widget." + name + ".clickThrough");
-    if (WidgetWindow* window = m_widgetWindows.value(name))
-        window->setClickThrough(enabled);
+    m_settings.setClickThrough(name, enabled);
 }
 
 std::optional<Position> AppDelegate::getSavedPosition(const QString& name) const
 {
-    if (name == "clock")
-        return m_settings.clockPosition();
-    if (name == "weather")
-        return m_settings.weatherPosition();
-    if (name == "battery")
-        return m_settings.batteryPosition();
-    if (name == "music")
-        return m_settings.musicPosition();
-    return std::nullopt;
+    return m_settings.position(name);
 }
 
 void AppDelegate::windowDidMove(QObject* sender)

@@ -2,13 +2,11 @@
 #include "AppDelegate.h"
 
 #include "AppIcon.h"
-#include "ControlPanelModel.h"
 #include "Screen.h"
 
 #include <QGuiApplication>
 #include <QIcon>
 #include <QMenu>
-#include <QPointer>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -40,20 +38,6 @@ void AppDelegate::setupStatusBarItem()
 
 void AppDelegate::createControlPanelWindow()
 {
-    QPointer<AppDelegate> weak(this);
-    auto onToggle = [weak](const QString& name, bool enabled) {
-        if (weak)
-            weak->toggleWidget(name, enabled);
-    };
-    auto onResize = [weak](const QString& name, const QString& size) {
-        if (weak)
-            weak->resizeWidget(name, size);
-    };
-    auto onClickThrough = [weak](const QString& name, bool enabled) {
-        if (weak)
-            weak->updateClickThrough(name, enabled);
-    };
-
     auto* window = new QQuickWindow();
     window->setFlags(Qt::Window | Qt::FramelessWindowHint);
     window->setColor(QColor(24, 24, 28));
@@ -63,8 +47,6 @@ void AppDelegate::createControlPanelWindow()
     if (root) {
         root->setParentItem(window->contentItem());
         root->setParent(window);
-        if (auto* model = root->property("model").value<ControlPanelModel*>())
-            model->setCallbacks(onToggle, onResize, onClickThrough);
     }
     const Rect v = screen::visibleFrame();
     const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};

@@ -45,11 +45,7 @@ void BatteryWidgetModel::refreshDevices()
     m_devices = std::move(devices);
     emit glowColorChanged();
     updateRings();
-    SettingsManager& settings = SettingsManager::shared();
-    SharedWidgetData data = settings.sharedData();
-    data.battery = m_devices;
-    settings.setSharedData(data);
-    settings.updateSharedWidgetData();
+    SettingsManager::shared().setBatteryData(m_devices);
 }
 
 void BatteryWidgetModel::updateRings()

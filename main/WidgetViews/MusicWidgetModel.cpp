@@ -106,11 +106,7 @@ void MusicWidgetModel::refreshMusic()
     emit musicDataChanged();
     emit frameGlowColorChanged();
 
-    SettingsManager& settings = SettingsManager::shared();
-    SharedWidgetData shared = settings.sharedData();
-    shared.music = reading;
-    settings.setSharedData(shared);
-    settings.updateSharedWidgetData();
+    SettingsManager::shared().setMusicData(reading);
 
     // Fetched once per change of artwork, and only while playing.
     if (reading.playing && reading.artwork != previousArtwork) {

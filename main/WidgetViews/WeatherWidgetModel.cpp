@@ -140,12 +140,8 @@ void WeatherWidgetModel::applyWeather(const QString& city, const WeatherResponse
     setLoading(false);
     updateGlow(reply.current.weathercode);
 
-    auto& settings = SettingsManager::shared();
-    SharedWidgetData data = settings.sharedData();
-    data.weather =
-        WeatherData{city, reply.current.temperature_2m, reply.current.weathercode, reply.current.apparent_temperature};
-    settings.setSharedData(data);
-    settings.updateSharedWidgetData();
+    SettingsManager::shared().setWeatherData(
+        WeatherData{city, reply.current.temperature_2m, reply.current.weathercode, reply.current.apparent_temperature});
 }
 
 void WeatherWidgetModel::failLoad()

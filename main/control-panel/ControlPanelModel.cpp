@@ -13,14 +13,6 @@ const QColor ControlPanelModel::statusRed = QColor(255, 69, 58);
 
 ControlPanelModel::ControlPanelModel(QObject* parent) : QObject(parent) {}
 
-void ControlPanelModel::setCallbacks(ToggleCallback onToggleWidget, ResizeCallback onResizeWidget,
-                                     ToggleCallback onClickThroughChanged)
-{
-    m_onToggleWidget = std::move(onToggleWidget);
-    m_onResizeWidget = std::move(onResizeWidget);
-    m_onClickThroughChanged = std::move(onClickThroughChanged);
-}
-
 void ControlPanelModel::setActiveTab(const QString& tab)
 {
     m_activeTab = tab;
@@ -66,54 +58,32 @@ void ControlPanelModel::setWeatherAutoMode(bool automatic)
 
 void ControlPanelModel::setWidgetEnabled(const QString& name, bool enabled)
 {
-    // The store is written by the application when the callback reaches it.
-    SettingsManager::shared().setProperty((name + "Enabled").toLatin1(), enabled);
-    if (m_onToggleWidget)
-        m_onToggleWidget(name, enabled);
+    SettingsManager::shared().setWidgetEnabled(name, enabled);
 }
 
 void ControlPanelModel::setClickThrough(const QString& name, bool enabled)
 {
-    SettingsManager::shared().setProperty((name + "ClickThrough").toLatin1(), enabled);
-    if (m_onClickThroughChanged)
-        m_onClickThroughChanged(name, enabled);
+    SettingsManager::shared().setClickThrough(name, enabled);
 }
 
 void ControlPanelModel::setWidgetSize(const QString& name, const QString& size)
 {
-    auto& s = SettingsManager::shared();
-    s.setProperty((name + "Size").toLatin1(), size);
-    s.saveSetting(size, "widget." + name + ".size");
-    if (m_onResizeWidget)
-        m_onResizeWidget(name, size);
+    SettingsManager::shared().setWidgetSize(name, size);
 }
 
 void ControlPanelModel::setClockStyle(const QString& style)
 {
-    auto& s = SettingsManager::shared();
-    s.setClockStyle(style);
-    s.saveSetting(style, "widget.clock.style");
-    s.updateSharedWidgetData();
+    SettingsManager::shared().setClockFace(style);
 }
 
 void ControlPanelModel::setGlassTheme(const QString& theme)
 {
-    auto& s = SettingsManager::shared();
-    s.setGlassTheme(theme);
-    s.saveSetting(theme, "glass-theme");
+    SettingsManager::shared().setTheme(theme);
 }
 
 void ControlPanelModel::setDeviceVisible(const QString& key, bool visible)
 {
-    auto& s = SettingsManager::shared();
-    QStringList copy = s.batteryVisibleDevices();
-    // The list keeps the order of ticking; readers treat it as a set.
-    if (visible && !copy.contains(key))
-        copy.append(key);
-    if (!visible)
-        copy.removeAll(key);
-    s.setBatteryVisibleDevices(copy);
-    s.saveSetting(copy, "widget.battery.visibleDevices");
+    SettingsManager::shared().setDeviceVisible(key, visible);
 }
 
 void ControlPanelModel::saveManualLocation()

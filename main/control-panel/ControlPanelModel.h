@@ -1,13 +1,12 @@
 #pragma once
-// The Control Panel's view state and the steps each of its controls runs, in order. The
-// application hands it the three callbacks; the QML tree only binds to it.
+// The Control Panel's view state and what each of its controls does. Settings go to the store's
+// typed setters, whose signals the application follows; the QML tree only binds to it.
 #include <QColor>
 #include <QObject>
 #include <QQuickItem>
 #include <QVariantList>
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
-#include <functional>
 
 class ControlPanelModel : public QObject {
     Q_OBJECT
@@ -21,17 +20,11 @@ class ControlPanelModel : public QObject {
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
 
   public:
-    using ToggleCallback = std::function<void(const QString& name, bool enabled)>;
-    using ResizeCallback = std::function<void(const QString& name, const QString& size)>;
-
     static const QColor systemGray;
     static const QColor statusGreen;
     static const QColor statusRed;
 
     explicit ControlPanelModel(QObject* parent = nullptr);
-
-    void setCallbacks(ToggleCallback onToggleWidget, ResizeCallback onResizeWidget,
-                      ToggleCallback onClickThroughChanged);
 
     QString activeTab() const { return m_activeTab; }
     void setActiveTab(const QString& tab);
@@ -85,7 +78,4 @@ class ControlPanelModel : public QObject {
     QColor m_geoStatusColor = systemGray;
     bool m_searchInProgress = false;
     bool m_launchAtLogin = false;
-    ToggleCallback m_onToggleWidget;
-    ResizeCallback m_onResizeWidget;
-    ToggleCallback m_onClickThroughChanged;
 };

@@ -32,8 +32,6 @@ class DefaultsSuite {
     // write failed, the file then as it was and the values kept here for the next call.
     bool synchronize();
 
-    QString filePath() const { return m_path; }
-
   private:
     explicit DefaultsSuite(QString path);
     void load();

@@ -104,10 +104,6 @@ std::optional<qint64> optionalInt(const QJsonObject& o, const QString& key, bool
 {
     return optionalRead(o, key, ok, asInt);
 }
-std::optional<bool> optionalBool(const QJsonObject& o, const QString& key, bool& ok)
-{
-    return optionalRead(o, key, ok, asBool);
-}
 std::optional<QString> optionalString(const QJsonObject& o, const QString& key, bool& ok)
 {
     return optionalRead(o, key, ok, asString);

@@ -20,7 +20,6 @@ std::optional<QString> requiredString(const QJsonObject& o, const QString& key);
 // Optional reads: absent or null gives nothing; a present value of the wrong type clears `ok`.
 std::optional<double> optionalDouble(const QJsonObject& o, const QString& key, bool& ok);
 std::optional<qint64> optionalInt(const QJsonObject& o, const QString& key, bool& ok);
-std::optional<bool> optionalBool(const QJsonObject& o, const QString& key, bool& ok);
 std::optional<QString> optionalString(const QJsonObject& o, const QString& key, bool& ok);
 
 // Element-typed arrays; one element of the wrong type fails the whole array.

@@ -67,6 +67,59 @@ void SettingsManager::saveSetting(const QVariant& value, const QString& key)
     m_defaults->synchronize();
 }
 
+bool SettingsManager::saveForKind(const QString& kind, const char* property, const char* key, const QVariant& value)
+{
+    const QByteArray name = kind.toLatin1() + property;
+    if (metaObject()->indexOfProperty(name.constData()) < 0)
+        return false;
+    // Written before observers hear of it, so any of them may read the suite.
+    saveSetting(value, "widget." + kind + "." + key);
+    setProperty(name.constData(), value);
+    return true;
+}
+
+void SettingsManager::setWidgetEnabled(const QString& kind, bool enabled)
+{
+    if (saveForKind(kind, "Enabled", "enabled", enabled))
+        emit widgetEnabledChanged(kind, enabled);
+}
+
+void SettingsManager::setClickThrough(const QString& kind, bool enabled)
+{
+    if (saveForKind(kind, "ClickThrough", "clickThrough", enabled))
+        emit clickThroughChanged(kind, enabled);
+}
+
+void SettingsManager::setWidgetSize(const QString& kind, const QString& size)
+{
+    if (saveForKind(kind, "Size", "size", size))
+        emit widgetSizeChanged(kind, size);
+}
+
+void SettingsManager::setClockFace(const QString& style)
+{
+    saveSetting(style, "widget.clock.style");
+    setClockStyle(style);
+    updateSharedWidgetData();
+}
+
+void SettingsManager::setTheme(const QString& theme)
+{
+    saveSetting(theme, "glass-theme");
+    setGlassTheme(theme);
+}
+
+void SettingsManager::setDeviceVisible(const QString& key, bool visible)
+{
+    QStringList devices = m_batteryVisibleDevices;
+    if (visible && !devices.contains(key))
+        devices.append(key);
+    if (!visible)
+        devices.removeAll(key);
+    saveSetting(devices, "widget.battery.visibleDevices");
+    setBatteryVisibleDevices(devices);
+}
+
 void SettingsManager::saveWeatherSettings(const WeatherSettings& settings)
 {
     m_defaults->setObject(settings.toJson(), "weather");
@@ -74,7 +127,7 @@ void SettingsManager::saveWeatherSettings(const WeatherSettings& settings)
     setWeatherSettings(settings);
 }
 
-std::optional<Position> SettingsManager::getPosition(const QString& name) const
+std::optional<Position> SettingsManager::position(const QString& name) const
 {
     const auto data = m_defaults->dataForKey(positionKey(name));
     if (!data)
@@ -90,6 +143,27 @@ void SettingsManager::setPosition(const std::optional<Position>& position, const
         m_defaults->removeObject(positionKey(name));
     m_defaults->synchronize();
     emit positionChanged(name);
+}
+
+void SettingsManager::setBatteryData(const QList<BatteryDevice>& devices)
+{
+    m_sharedData.battery = devices;
+    emit sharedDataChanged();
+    updateSharedWidgetData();
+}
+
+void SettingsManager::setWeatherData(const WeatherData& weather)
+{
+    m_sharedData.weather = weather;
+    emit sharedDataChanged();
+    updateSharedWidgetData();
+}
+
+void SettingsManager::setMusicData(const MusicData& music)
+{
+    m_sharedData.music = music;
+    emit sharedDataChanged();
+    updateSharedWidgetData();
 }
 
 QString SettingsManager::sharedDataFilePath()

@@ -1,7 +1,7 @@
 #pragma once
-// The one store of what the user chose. Properties notify on every assignment (also of an equal
-// value); assigning writes nothing: each writer also calls saveSetting, saveWeatherSettings or
-// setPosition, which flush at once.
+// The one store of what the user chose. Each user action has one typed setter here that writes the
+// suite at once, then assigns and notifies. A property's own WRITE only assigns, writing nothing; it
+// notifies on every assignment, also of an equal value.
 #include "DefaultsSuite.h"
 #include "SettingsRecords.h"
 #include "SharedWidgetData.h"
@@ -67,30 +67,50 @@ class SettingsManager : public QObject {
     explicit SettingsManager(std::unique_ptr<DefaultsSuite> suite);
 
     void loadSettings();
-    Q_INVOKABLE void saveSetting(const QVariant& value, const QString& key);
-    void saveWeatherSettings(const WeatherSettings& settings);
-    void setPosition(const std::optional<Position>& position, const QString& name);
+    // The generic write under a raw key; the typed setters below go through it.
+    void saveSetting(const QVariant& value, const QString& key);
 
-    std::optional<Position> clockPosition() const { return getPosition("clock"); }
-    std::optional<Position> weatherPosition() const { return getPosition("weather"); }
-    std::optional<Position> batteryPosition() const { return getPosition("battery"); }
-    std::optional<Position> musicPosition() const { return getPosition("music"); }
-    void setClockPosition(const std::optional<Position>& p) { setPosition(p, "clock"); }
-    void setWeatherPosition(const std::optional<Position>& p) { setPosition(p, "weather"); }
-    void setBatteryPosition(const std::optional<Position>& p) { setPosition(p, "battery"); }
-    void setMusicPosition(const std::optional<Position>& p) { setPosition(p, "music"); }
+    // Per widget kind ("clock", "weather", "battery", "music"); another kind is ignored. Each also
+    // tells the application through the kind's signal below.
+    Q_INVOKABLE void setWidgetEnabled(const QString& kind, bool enabled);
+    Q_INVOKABLE void setClickThrough(const QString& kind, bool enabled);
+    Q_INVOKABLE void setWidgetSize(const QString& kind, const QString& size);
+    Q_SIGNAL void widgetEnabledChanged(const QString& kind, bool enabled);
+    Q_SIGNAL void clickThroughChanged(const QString& kind, bool enabled);
+    Q_SIGNAL void widgetSizeChanged(const QString& kind, const QString& size);
+
+    // The clock's style is also in widget-data.json, which it rewrites.
+    Q_INVOKABLE void setClockFace(const QString& style);
+    Q_INVOKABLE void setTheme(const QString& theme);
+    // The ticked list keeps the order of ticking; readers treat it as a set.
+    Q_INVOKABLE void setDeviceVisible(const QString& key, bool visible);
+    void saveWeatherSettings(const WeatherSettings& settings);
+
+    // A widget's origin; an absent one removes the stored one. Undecodable bytes read as absent.
+    void setPosition(const std::optional<Position>& position, const QString& name);
+    std::optional<Position> position(const QString& name) const;
+    std::optional<Position> clockPosition() const { return position("clock"); }
+    std::optional<Position> weatherPosition() const { return position("weather"); }
+    std::optional<Position> batteryPosition() const { return position("battery"); }
+    std::optional<Position> musicPosition() const { return position("music"); }
     // Every store of a widget's position, written or not.
     Q_SIGNAL void positionChanged(const QString& name);
 
-    // Writes sharedData, with the current clockStyle in the written copy, to widget-data.json.
-    Q_INVOKABLE void updateSharedWidgetData();
+    // Each widget model replaces its part of sharedData, which goes to widget-data.json at once.
+    void setBatteryData(const QList<BatteryDevice>& devices);
+    void setWeatherData(const WeatherData& weather);
+    void setMusicData(const MusicData& music);
+    // Writes sharedData, with the current clockStyle in the written copy, to widget-data.json: the
+    // whole file, and only when its bytes change.
+    void updateSharedWidgetData();
     static QString sharedDataFilePath();
 
     // Raw text read of the suite for configuration that has no property (service hosts).
     std::optional<QString> configString(const QString& key) const;
 
   private:
-    std::optional<Position> getPosition(const QString& name) const;
+    // Writes `value` under `key`, then assigns the kind's property; false for an unknown kind.
+    bool saveForKind(const QString& kind, const char* property, const char* key, const QVariant& value);
 
     std::unique_ptr<DefaultsSuite> m_defaults;
 };

@@ -21,19 +21,14 @@ std::optional<Position> Position::fromJson(const QByteArray& data)
     return Position{*x, *y};
 }
 
-QJsonObject WeatherSettings::toJsonObject() const
+QByteArray WeatherSettings::toJson() const
 {
     QJsonObject o{{"useManual", useManual}, {"city", city}};
     if (lat)
         o.insert("lat", *lat);
     if (lon)
         o.insert("lon", *lon);
-    return o;
-}
-
-QByteArray WeatherSettings::toJson() const
-{
-    return QJsonDocument(toJsonObject()).toJson(QJsonDocument::Compact);
+    return QJsonDocument(o).toJson(QJsonDocument::Compact);
 }
 
 std::optional<WeatherSettings> WeatherSettings::fromJson(const QByteArray& data)

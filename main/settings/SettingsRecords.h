@@ -21,7 +21,6 @@ struct WeatherSettings {
     std::optional<double> lat;
     std::optional<double> lon;
 
-    QJsonObject toJsonObject() const;
     QByteArray toJson() const;
     // "useManual" and "city" are required; "lat"/"lon" may be missing or null.
     static std::optional<WeatherSettings> fromJson(const QByteArray& data);
