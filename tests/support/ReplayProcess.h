@@ -1,7 +1,6 @@
 #pragma once
-// For whole-app tests: the replay server on a folder whose replies a test may change between
-// requests, primed with the usual location and forecast. The app reaches it over loopback while the
-// test waits for a condition, which runs the event loop.
+// For whole-app tests: the replay server on a folder of replies, primed with the usual location and
+// forecast. The app reaches it while the test waits for a condition, which runs the event loop.
 #include "ReplayServer.h"
 #include "WeatherFixtures.h"
 
@@ -24,7 +23,6 @@ class ReplayProcess : public ReplayServer {
         return writeFile(m_dir + "/ip.json", samples::ipMilan) &&
                writeFile(m_dir + "/forecast.json", samples::forecastMilan) && listen();
     }
-    // Routes as the folder's "replies.json" takes them.
     void serve(const QByteArray& routes) { writeFile(m_dir + "/replies.json", routes); }
     QList<QByteArray> requests() const { return requestLines(); }
 

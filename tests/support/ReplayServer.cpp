@@ -8,33 +8,26 @@
 
 namespace {
 
-std::optional<QMap<QString, ReplayServer::Reply>> readDirectory(const QDir& dir)
+// The routes of a folder; none where it cannot be read, so that every path answers 404.
+QMap<QString, ReplayServer::Reply> readDirectory(const QDir& dir)
 {
     QFile manifest(dir.filePath("replies.json"));
-    if (!manifest.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const auto routes = QJsonDocument::fromJson(manifest.readAll()).object();
+    const auto routes = QJsonDocument::fromJson(manifest.open(QIODevice::ReadOnly) ? manifest.readAll() : "").object();
     QMap<QString, ReplayServer::Reply> replies;
     for (auto it = routes.begin(); it != routes.end(); ++it) {
         const auto o = it.value().toObject();
-        ReplayServer::Reply r;
-        r.status = o.value("status").toInt(r.status);
-        r.contentType = o.value("contentType").toString(QString::fromLatin1(r.contentType)).toUtf8();
-        r.hang = o.value("hang").toBool();
-        r.delayMs = o.value("delayMs").toInt();
-        r.body = o.value("body").toString().toUtf8();
-        QFile body(dir.filePath(o.value("file").toString()));
-        if (o.contains("file") && !body.open(QIODevice::ReadOnly))
-            return std::nullopt;
-        r.body = body.isOpen() ? body.readAll() : r.body;
-        replies.insert(it.key(), r);
+        QFile file(dir.filePath(o.value("file").toString()));
+        const QByteArray body = file.open(QIODevice::ReadOnly) ? file.readAll() : o.value("body").toString().toUtf8();
+        const QString json = QString::fromLatin1(ReplayServer::Reply{}.contentType);
+        replies.insert(it.key(), {o.value("status").toInt(200), body, o.value("contentType").toString(json).toUtf8(),
+                                  o.value("hang").toBool(), o.value("delayMs").toInt()});
     }
     return replies;
 }
 
 } // namespace
 
-ReplayServer::ReplayServer(QObject* parent) : QObject(parent)
+bool ReplayServer::listen(quint16 port)
 {
     connect(&m_server, &QTcpServer::newConnection, this, [this] {
         while (QTcpSocket* socket = m_server.nextPendingConnection()) {
@@ -42,6 +35,7 @@ ReplayServer::ReplayServer(QObject* parent) : QObject(parent)
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
         }
     });
+    return m_server.listen(QHostAddress::LocalHost, port);
 }
 
 void ReplayServer::answer(QTcpSocket* socket)
@@ -52,11 +46,10 @@ void ReplayServer::answer(QTcpSocket* socket)
     socket->disconnect(this);
     const QByteArray line = socket->readAll().split('\r').first();
     m_requestLines.append(line);
-    emit requestReceived(line);
 
     const QString path = QString::fromLatin1(line.split(' ').value(1).split('?').first());
-    const auto replies = m_directory.isEmpty() ? std::optional(m_replies) : readDirectory(QDir(m_directory));
-    const Reply r = replies && replies->contains(path) ? replies->value(path) : Reply{404, "not found", "text/plain"};
+    const auto replies = m_directory.isEmpty() ? m_replies : readDirectory(QDir(m_directory));
+    const Reply r = replies.value(path, Reply{404, "not found", "text/plain"});
     if (r.hang)
         return;
     const QByteArray answer = "HTTP/1.1 " + QByteArray::number(r.status) + " Replay\r\nContent-Type: " + r.contentType +

@@ -1,7 +1,6 @@
 #pragma once
-// A loopback HTTP/1.1 server for tests: each request gets the canned reply of its path (query
-// ignored) or 404, and every request line is kept byte for byte. A reply may hang (accepted, never
-// answered) or come late. One request per connection.
+// A loopback HTTP server for tests: a request gets the canned reply of its path (query ignored) or
+// 404, and every request line is kept byte for byte. One request per connection.
 #include <QMap>
 #include <QTcpServer>
 
@@ -16,10 +15,8 @@ class ReplayServer : public QObject {
         int delayMs = 0;
     };
 
-    explicit ReplayServer(QObject* parent = nullptr);
-    bool listen(quint16 port = 0) { return m_server.listen(QHostAddress::LocalHost, port); }
-    quint16 port() const { return m_server.serverPort(); }
-    QString baseUrl() const { return QString("http://127.0.0.1:%1").arg(port()); }
+    bool listen(quint16 port = 0); // on 127.0.0.1
+    QString baseUrl() const { return QString("http://127.0.0.1:%1").arg(m_server.serverPort()); }
 
     void setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
     void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
@@ -30,9 +27,6 @@ class ReplayServer : public QObject {
 
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
-
-  signals:
-    void requestReceived(const QByteArray& requestLine);
 
   private:
     void answer(QTcpSocket* socket);
