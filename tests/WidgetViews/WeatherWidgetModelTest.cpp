@@ -28,13 +28,12 @@ std::string shown(const WeatherWidgetModel& m)
 
 TEST(WeatherWidgetRules, CodesTemperaturesDaysAndRows)
 {
+    using M = WeatherWidgetModel;
     // Both sides of every bound of the code chain.
     QStringList codes;
     for (qint64 code : {-1, 0, 2, 3, 4, 49, 50, 57, 58, 67, 68, 77, 78, 82, 83, 99, 100})
-        codes << QString("%1 %2 %3 %4")
-                     .arg(code)
-                     .arg(WeatherWidgetModel::wmoEmoji(code), WeatherWidgetModel::wmoDesc(code),
-                          WeatherWidgetModel::glowColorFor(code).name(QColor::HexArgb));
+        codes << QString::number(code) + ' ' + M::wmoEmoji(code) + ' ' + M::wmoDesc(code) + ' ' +
+                     M::glowColorFor(code).name(QColor::HexArgb);
     EXPECT_EQ(codes.join("; ").toStdString(),
               "-1 ⛅ Parz. nuvoloso #99ffc832; 0 ☀️ Sereno #ffffc832; 2 ⛅ Parz. nuvoloso #99ffc832; "
               "3 ☁️ Nuvoloso #9996b4dc; 4 🌫️ Nebbia #9996b4dc; 49 🌫️ Nebbia #9996b4dc; "
@@ -44,7 +43,7 @@ TEST(WeatherWidgetRules, CodesTemperaturesDaysAndRows)
               "83 ⛈️ Temporale #ff64c8ff; 99 ⛈️ Temporale #ff64c8ff; 100 🌡️ Sconosciuto #ff64c8ff");
     QStringList degrees;
     for (double value : {21.5, -3.5, -0.4, -0.5, 24.49, -0.0, 1e18, HUGE_VAL, -HUGE_VAL, std::nan(""), 1e19})
-        degrees << WeatherWidgetModel::formatTemperature(value);
+        degrees << M::formatTemperature(value);
     EXPECT_EQ(degrees.join(' ').toStdString(), "22° -4° 0° -1° 24° 0° 1000000000000000000° —° —° —° —°");
 
     // Today's high and low; rows for days 1 to 4, as far as every array reaches, named in Italian.
@@ -54,8 +53,8 @@ TEST(WeatherWidgetRules, CodesTemperaturesDaysAndRows)
         {24.4, 19.8, 22, 26.5, 27.9, 1},
         {15.2, 14.1, 13.6, -0.4, 17.4, 1}};
     const auto line = [](const WeatherResponse::DailyForecast& d) {
-        QString text = WeatherWidgetModel::highLowLine(d);
-        for (const auto& row : WeatherWidgetModel::forecastRowsFor(d))
+        QString text = M::highLowLine(d);
+        for (const auto& row : M::forecastRowsFor(d))
             text += " " + row.dayName;
         return text.toStdString();
     };
@@ -76,11 +75,11 @@ TEST(WeatherWidgetModel, LoadsTheirStatesAndTheDataFile)
     auto& settings = SettingsManager::shared();
     settings.saveWeatherSettings({});
     QFile::remove(SettingsManager::sharedDataFilePath());
-    WeatherWidgetModel model;
+    auto model = std::make_unique<WeatherWidgetModel>();
     int started = 0, ended = 0;
-    QObject::connect(&model, &WeatherWidgetModel::loadingChanged, [&] { ++(model.loading() ? started : ended); });
+    QObject::connect(model.get(), &WeatherWidgetModel::loadingChanged, [&] { ++(model->loading() ? started : ended); });
     const auto allEnded = [&] { return QTest::qWaitFor([&] { return ended == started; }, 20000); };
-    EXPECT_EQ(shown(model), "loading||MILANO|||||#00000000||{}");
+    EXPECT_EQ(shown(*model), "loading||MILANO|||||#00000000||{}");
     const std::string milan =
         "|Milan|22°|⛅|Parz. nuvoloso|H:24° L:15°|#99ffc832|Mar 🌧️ 20° 14°, Mer ☁️ 22° 14°, "
         "Gio ☀️ 27° 0°, Ven ⛈️ 28° 17°|"
@@ -97,9 +96,9 @@ TEST(WeatherWidgetModel, LoadsTheirStatesAndTheDataFile)
     for (const auto& [ip, forecast, status, after] : loads) {
         server.setJson("/json/", ip);
         server.setJson("/v1/forecast", forecast, status);
-        started ? model.loadWeatherData() : model.setActive(true);
+        started ? model->loadWeatherData() : model->setActive(true);
         ASSERT_TRUE(allEnded());
-        EXPECT_EQ(shown(model), after);
+        EXPECT_EQ(shown(*model), after);
     }
 
     // The stored place counts only with both coordinates; a change of those alone is no trigger.
@@ -115,29 +114,28 @@ TEST(WeatherWidgetModel, LoadsTheirStatesAndTheDataFile)
         settings.saveWeatherSettings(next);
         EXPECT_EQ(started - before, reloads) << city;
         EXPECT_TRUE(allEnded());
-        EXPECT_EQ(model.cityName(), city);
+        EXPECT_EQ(model->cityName(), city);
     }
     EXPECT_TRUE(server.requestLines().last().startsWith("GET /v1/forecast?latitude=40.8&longitude=14.2&"));
     // Off screen nothing starts; back on screen one load, then one each period.
     const int before = started;
-    model.setActive(false);
+    model->setActive(false);
     settings.saveWeatherSettings({true, "Torino, Italia", 45.07, 7.69});
-    EXPECT_FALSE(model.refreshScheduled());
-    model.setRefreshInterval(50);
-    model.setActive(true);
+    EXPECT_FALSE(model->refreshScheduled());
+    model->setRefreshInterval(50);
+    model->setActive(true);
     EXPECT_EQ(started, before + 1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return started >= before + 3; }, 20000));
-    model.setActive(false);
+    model->setActive(false);
     ASSERT_TRUE(allEnded());
 
     // A widget closed while its location is asked for makes no forecast request and shares nothing.
     settings.saveWeatherSettings({});
     QFile::remove(SettingsManager::sharedDataFilePath());
     server.clearRequests();
-    auto closed = std::make_unique<WeatherWidgetModel>();
-    closed->setActive(true);
+    model->setActive(true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !server.requestLines().isEmpty(); }, 20000));
-    closed.reset();
+    model.reset();
     bool answered = false; // after the closed widget's reply, on the same server
     WeatherMonitor::shared().fetchIPLocation(nullptr, [&](const auto&) { answered = true; });
     EXPECT_TRUE(QTest::qWaitFor([&] { return answered; }, 20000));

@@ -64,12 +64,7 @@ TEST(WeatherMonitor, HostsRequestsRepliesAndFailures)
                            "GET /v1/forecast?latitude=0.0000001&longitude=0.30000000000000004" + daily + " HTTP/1.1"}));
 
     // The status is never looked at; a megabyte is refused however well it would read.
-    const struct {
-        const char* path;
-        ReplayServer::Reply reply;
-        char call;
-        const char* answer;
-    } replies[] = {
+    const std::tuple<const char*, ReplayServer::Reply, char, const char*> replies[] = {
         {"/json/", {500, samples::ipMilan}, 'i', "ok"},
         {"/v1/search", {200, samples::geoMilano}, 's', "Milano, Italia 45.4643 9.18951"},
         {"/v1/search", {200, samples::geoNone}, 's', "none"},
@@ -81,9 +76,9 @@ TEST(WeatherMonitor, HostsRequestsRepliesAndFailures)
     auto& monitor = WeatherMonitor::shared();
     const int normalTimeout = monitor.transferTimeout();
     monitor.setTransferTimeout(500);
-    for (const auto& c : replies) {
-        server.setReply(c.path, c.reply);
-        EXPECT_EQ(ask(c.call, "Milano"), c.answer);
+    for (const auto& [path, reply, call, answer] : replies) {
+        server.setReply(path, reply);
+        EXPECT_EQ(ask(call, "Milano"), answer);
     }
     monitor.setTransferTimeout(normalTimeout);
 

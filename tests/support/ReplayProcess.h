@@ -1,6 +1,5 @@
 #pragma once
-// For whole-app tests: the replay server on a folder of replies, primed with the usual location and
-// forecast. The app reaches it while the test waits for a condition, which runs the event loop.
+// For whole-app tests: a replay server on a folder of replies, answering while a test waits.
 #include "ReplayServer.h"
 #include "WeatherFixtures.h"
 

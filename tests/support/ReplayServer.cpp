@@ -18,8 +18,8 @@ QMap<QString, ReplayServer::Reply> readDirectory(const QDir& dir)
         const auto o = it.value().toObject();
         QFile file(dir.filePath(o.value("file").toString()));
         const QByteArray body = file.open(QIODevice::ReadOnly) ? file.readAll() : o.value("body").toString().toUtf8();
-        const QString json = QString::fromLatin1(ReplayServer::Reply{}.contentType);
-        replies.insert(it.key(), {o.value("status").toInt(200), body, o.value("contentType").toString(json).toUtf8(),
+        replies.insert(it.key(), {o.value("status").toInt(200), body,
+                                  o.value("contentType").toString(ReplayServer::Reply{}.contentType).toUtf8(),
                                   o.value("hang").toBool(), o.value("delayMs").toInt()});
     }
     return replies;

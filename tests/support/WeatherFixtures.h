@@ -1,6 +1,5 @@
 #pragma once
-// Replies in the shapes the three public services send, extra fields and whole values written as
-// integers included, and the switch that points the weather client at a test server.
+// Replies shaped as the public services send them, and the switch that points the client at a test.
 #include "SettingsManager.h"
 #include "WeatherMonitor.h"
 
@@ -14,7 +13,6 @@ inline void pointWeatherServicesAt(const QString& base)
 
 namespace samples {
 
-// ip-api asked for fields=lat,lon,city,country.
 inline const QByteArray ipMilan = R"({"country":"Italy","city":"Milan","lat":45.4643,"lon":9.1895})";
 
 inline const QByteArray geoMilano =
@@ -30,7 +28,7 @@ inline const QByteArray forecastMilan = R"({"latitude":45.46,"longitude":9.18,"c
 "daily":{"time":["2024-06-03","2024-06-04","2024-06-05","2024-06-06","2024-06-07"],"weathercode":[2,61,3,0,95],
 "temperature_2m_max":[24.4,19.8,22,26.5,27.9],"temperature_2m_min":[15.2,14.1,13.6,-0.4,17.4]}})";
 
-// A cold clear day, no daily block, humidity and wind null.
+// No daily block, optional fields null.
 inline const QByteArray forecastNoDaily = R"({"latitude":46.5,"longitude":11.35,"current":{"temperature_2m":-3.5,
 "weathercode":0,"windspeed_10m":null,"relativehumidity_2m":null,"apparent_temperature":-7}})";
 
