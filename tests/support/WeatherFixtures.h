@@ -1,55 +1,35 @@
 #pragma once
-// Replies in the shapes the three public services send, with their extra fields (integers stand
-// where the records take doubles, as the services write whole values that way), and the switch
-// that points the weather client at a test server.
+// Replies shaped as the public services send them, and the switch that points the client at a test.
 #include "SettingsManager.h"
 #include "WeatherMonitor.h"
-
-#include <QByteArray>
 
 // An empty base sends each service back to its public host.
 inline void pointWeatherServicesAt(const QString& base)
 {
-    using S = WeatherMonitor::Service;
-    for (auto s : {S::IpApi, S::Geocoding, S::Forecast})
+    for (auto s :
+         {WeatherMonitor::Service::IpApi, WeatherMonitor::Service::Geocoding, WeatherMonitor::Service::Forecast})
         SettingsManager::shared().saveSetting(base, WeatherMonitor::configKey(s));
 }
 
 namespace samples {
 
-// ip-api, asked for fields=lat,lon,city,country (it answers in its own field order).
 inline const QByteArray ipMilan = R"({"country":"Italy","city":"Milan","lat":45.4643,"lon":9.1895})";
-// ip-api answers "fail" with 200 for private addresses.
-inline const QByteArray ipFail = R"({"status":"fail","message":"reserved range","query":"127.0.0.1"})";
 
-inline const QByteArray geoMilano = R"({"results":[{"id":3173435,"name":"Milano","latitude":45.46427,
-"longitude":9.18951,"elevation":122.0,"feature_code":"PPLA","country_code":"IT","admin1_id":3174618,
-"admin2_id":3173434,"timezone":"Europe/Rome","population":1371498,"country_id":3175395,
-"country":"Italia","admin1":"Lombardia","admin2":"Milano","postcodes":["20121","20122"]}],
-"generationtime_ms":0.7259846})";
+inline const QByteArray geoMilano =
+    R"({"results":[{"id":3173435,"name":"Milano","latitude":45.46427,"longitude":9.18951,
+"country_code":"IT","country":"Italia","postcodes":["20121"]}],"generationtime_ms":0.7})";
 inline const QByteArray geoNone = R"({"generationtime_ms":0.48196316})";
 inline const QByteArray geoEmpty = R"({"results":[],"generationtime_ms":0.3})";
-// Some places (disputed areas, the high seas) come without a country.
-inline const QByteArray geoNoCountry = R"({"results":[{"id":1,"name":"Atlantis","latitude":10,
-"longitude":-30,"elevation":0.0,"feature_code":"PPL","timezone":"GMT"}],"generationtime_ms":0.2})";
 
-inline const QByteArray openMeteoError =
-    R"({"error":true,"reason":"Latitude must be in range of -90 to 90°. Given: 91.0."})";
+inline const QByteArray openMeteoError = R"({"error":true,"reason":"Latitude must be in range of -90 to 90°."})";
 
-inline const QByteArray forecastMilan = R"({"latitude":45.46,"longitude":9.18,"generationtime_ms":0.0920295,
-"utc_offset_seconds":7200,"timezone":"Europe/Rome","timezone_abbreviation":"CEST","elevation":122.0,
-"current_units":{"time":"iso8601","interval":"seconds","temperature_2m":"°C","weathercode":"wmo code",
-"windspeed_10m":"km/h","relativehumidity_2m":"%","apparent_temperature":"°C"},
-"current":{"time":"2024-06-03T14:15","interval":900,"temperature_2m":21.5,"weathercode":2,
-"windspeed_10m":7.9,"relativehumidity_2m":55,"apparent_temperature":20.8},
-"daily_units":{"time":"iso8601","weathercode":"wmo code","temperature_2m_max":"°C","temperature_2m_min":"°C"},
-"daily":{"time":["2024-06-03","2024-06-04","2024-06-05","2024-06-06","2024-06-07"],
-"weathercode":[2,61,3,0,95],"temperature_2m_max":[24.4,19.8,22,26.5,27.9],
-"temperature_2m_min":[15.2,14.1,13.6,-0.4,17.4]}})";
+inline const QByteArray forecastMilan = R"({"latitude":45.46,"longitude":9.18,"current_units":{"temperature_2m":"°C"},
+"current":{"time":"2024-06-03T14:15","temperature_2m":21.5,"weathercode":2,"windspeed_10m":7.9,"apparent_temperature":20.8},
+"daily":{"time":["2024-06-03","2024-06-04","2024-06-05","2024-06-06","2024-06-07"],"weathercode":[2,61,3,0,95],
+"temperature_2m_max":[24.4,19.8,22,26.5,27.9],"temperature_2m_min":[15.2,14.1,13.6,-0.4,17.4]}})";
 
-// A cold clear day, no daily block, humidity and wind null.
-inline const QByteArray forecastNoDaily = R"({"latitude":46.5,"longitude":11.35,"timezone":"GMT",
-"current":{"time":"2024-01-10T08:00","interval":900,"temperature_2m":-3.5,"weathercode":0,
-"windspeed_10m":null,"relativehumidity_2m":null,"apparent_temperature":-7}})";
+// No daily block, optional fields null.
+inline const QByteArray forecastNoDaily = R"({"latitude":46.5,"longitude":11.35,"current":{"temperature_2m":-3.5,
+"weathercode":0,"windspeed_10m":null,"relativehumidity_2m":null,"apparent_temperature":-7}})";
 
 } // namespace samples
