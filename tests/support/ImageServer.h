@@ -8,7 +8,7 @@
 
 class ImageServer : public ReplayServer {
   public:
-    explicit ImageServer(QObject* parent = nullptr) : ReplayServer(parent) { m_listening = listen(); }
+    ImageServer() { m_listening = listen(); }
 
     bool isListening() const { return m_listening; }
     QString url(const QString& path) const { return baseUrl() + path; }
