@@ -2,6 +2,7 @@
 #include "AppDelegate.h"
 
 #include "AppIcon.h"
+#include "AppLog.h"
 #include "ControlPanelModel.h"
 #include "Screen.h"
 
@@ -65,6 +66,8 @@ void AppDelegate::createControlPanelWindow()
         root->setParent(window);
         if (auto* model = root->property("model").value<ControlPanelModel*>())
             model->setCallbacks(onToggle, onResize, onClickThrough);
+    } else {
+        qCWarning(lcApp).noquote() << "the Control Panel did not load:" << component.errorString();
     }
     const Rect v = screen::visibleFrame();
     const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};
