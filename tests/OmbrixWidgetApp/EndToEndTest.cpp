@@ -53,8 +53,8 @@ TEST(AppEndToEnd, FourWidgetsOpenInPlaceTheClockTicksAndADragSnapsAndIsKept)
     EXPECT_TRUE(XSession::waitFor([&] { return x.shot(clock) != face; }));
     x.grabScreen().save(artifactsDir() + "/app-four-widgets.png");
     EXPECT_FALSE(x.storedPosition("clock")); // opening stores nothing
-    // Dragged to 9 points from the screen's left edge, which takes it; stored, and back there next time.
-    EXPECT_TRUE(x.drag(clock, {1330, 60}, {89, 300}));
+    // Dragged to within 4 to 8 points of the screen's left edge, which takes it; stored, and back there next time.
+    EXPECT_TRUE(x.drag(clock, {1330, 60}, {84, 300}));
     EXPECT_TRUE(XSession::waitFor([&] {
         const auto s = x.storedPosition("clock");
         return s && s->x == 0 && QPointF(s->x, s->y) == x.originOf(clock);
