@@ -6,10 +6,9 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QEventLoop>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTimer>
+#include <QThread>
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -31,9 +30,10 @@ bool XSession::waitFor(const std::function<bool()>& condition, int timeoutMs)
     for (QDeadlineTimer deadline(timeoutMs); !deadline.hasExpired();) {
         if (condition())
             return true;
-        QEventLoop loop;
-        QTimer::singleShot(25, &loop, &QEventLoop::quit);
-        loop.exec();
+        // Polled: events keep flowing between the looks. A nested event loop here would also run
+        // deferred deletions in the middle of a test, which changes what some view tests see.
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(20);
     }
     return condition();
 }
