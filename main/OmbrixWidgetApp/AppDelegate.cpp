@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 
+#include "AppLog.h"
 #include "Screen.h"
 #include "SettingsManager.h"
 #include "Snapping.h"
@@ -12,6 +13,8 @@
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
+
+Q_LOGGING_CATEGORY(lcApp, "ombrix.app", QtWarningMsg)
 
 AppDelegate::AppDelegate(QObject* parent)
     : QObject(parent), m_settings(SettingsManager::shared()), m_engine(std::make_unique<QQmlEngine>())
@@ -73,6 +76,8 @@ void AppDelegate::spawnWidget(const QString& name)
         return;
     QQmlComponent component(m_engine.get(), QUrl("qrc:/Ombrix/WidgetViews/" + view + ".qml"));
     auto* root = qobject_cast<QQuickItem*>(component.create());
+    if (!root)
+        qCWarning(lcApp).noquote() << "the" << name << "view did not load:" << component.errorString();
     auto* hosting = new WidgetHostingView(root);
     hosting->setFrame(Rect{0, 0, width, widgets::height});
     const Rect visible = screen::visibleFrame();

@@ -44,7 +44,6 @@ class AppDelegate : public QObject {
 
     const QMap<QString, WidgetWindow*>& widgetWindows() const { return m_widgetWindows; }
     QQuickWindow* controlPanelWindow() const { return m_controlPanelWindow; }
-    QQmlEngine* engine() const { return m_engine.get(); }
 
   private:
     QSystemTrayIcon* m_statusBarItem = nullptr;

@@ -2,6 +2,7 @@
 #include "AppDelegate.h"
 
 #include "AppIcon.h"
+#include "AppLog.h"
 #include "Screen.h"
 
 #include <QGuiApplication>
@@ -47,6 +48,8 @@ void AppDelegate::createControlPanelWindow()
     if (root) {
         root->setParentItem(window->contentItem());
         root->setParent(window);
+    } else {
+        qCWarning(lcApp).noquote() << "the Control Panel did not load:" << component.errorString();
     }
     const Rect v = screen::visibleFrame();
     const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};

@@ -3,10 +3,13 @@
 #include "MusicMonitor.h"
 #include "OutsideData.h"
 #include "SettingsManager.h"
+#include "ViewsLog.h"
 
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+
+Q_LOGGING_CATEGORY(lcViews, "ombrix.views", QtWarningMsg)
 
 namespace {
 // As long as a download may take before it is given up.
@@ -144,6 +147,8 @@ void MusicWidgetModel::extractAverageColor(const std::optional<QString>& address
             setImage(picture);
             if (const auto color = averageColor(picture))
                 setGlowColor(*color);
+        } else {
+            qCDebug(lcViews) << "no artwork in" << reply->url() << reply->errorString();
         }
         emit artworkDownloadFinished();
     });

@@ -1,5 +1,7 @@
 #include "WidgetHostingView.h"
 
+#include "WindowLog.h"
+
 WidgetHostingView::WidgetHostingView(QQuickItem* rootView) : m_rootView(rootView)
 {
     if (m_rootView) {
@@ -7,6 +9,8 @@ WidgetHostingView::WidgetHostingView(QQuickItem* rootView) : m_rootView(rootView
         // requests go with the window when a widget is switched off.
         m_rootView->setParent(this);
         m_rootView->setParentItem(this);
+    } else {
+        qCWarning(lcWindow) << "a widget window with no view: it shows empty glass";
     }
 }
 

@@ -4,14 +4,17 @@
 #include "RootBackground.h"
 #include "Screen.h"
 #include "WidgetHostingView.h"
+#include "WindowLog.h"
 #include "X11Window.h"
 
 #include <QMouseEvent>
 #include <QSurfaceFormat>
 
+Q_LOGGING_CATEGORY(lcWindow, "ombrix.window", QtWarningMsg)
+
 WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame,
                            bool isClickThrough)
-    : m_widgetName(name), m_contentView(contentView), m_frame(initialFrame)
+    : m_contentView(contentView), m_frame(initialFrame)
 {
     // A plain window, not a tool: Qt makes tools transient for the app's group, and xfwm4 then
     // raises them with the group on a click.

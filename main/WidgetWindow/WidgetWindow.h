@@ -21,15 +21,12 @@ class WidgetWindow : public QQuickWindow {
     WidgetWindow(const QString& name, WidgetHostingView* contentView, const Rect& initialFrame, bool isClickThrough);
     ~WidgetWindow() override;
 
-    QString widgetName() const { return m_widgetName; }
     WidgetHostingView* contentView() const { return m_contentView; }
 
     void setClickThrough(bool enabled);
     // The two always change together: a click-through window is never moved by its background.
     bool ignoresMouseEvents() const { return flags().testFlag(Qt::WindowTransparentForInput); }
     bool isMovableByWindowBackground() const { return !ignoresMouseEvents(); }
-    bool canBecomeKey() const { return false; }
-    bool canBecomeMain() const { return false; }
 
     // Frame in app coordinates: the one last set, while the window system has yet to confirm it.
     // setFrame moves and resizes at once or in a short animation. As on the original platform, the
@@ -40,7 +37,6 @@ class WidgetWindow : public QQuickWindow {
 
     // The compositor's drop shadow; asked for at creation.
     void setHasShadow(bool enabled);
-    bool hasShadow() const { return !flags().testFlag(Qt::NoDropShadowWindowHint); }
 
     void orderFront();
 
@@ -63,7 +59,6 @@ class WidgetWindow : public QQuickWindow {
     void deliverMove();
     void updateMask();
 
-    QString m_widgetName;
     WidgetHostingView* m_contentView = nullptr;
     QTimer m_dragPoll;
     bool m_dragArmed = false;

@@ -1,11 +1,14 @@
 #include "ControlPanelModel.h"
 
 #include "Autostart.h"
+#include "PanelLog.h"
 #include "SettingsManager.h"
 #include "WeatherMonitor.h"
 
 #include <QCoreApplication>
 #include <QQuickWindow>
+
+Q_LOGGING_CATEGORY(lcPanel, "ombrix.panel", QtWarningMsg)
 
 const QColor ControlPanelModel::systemGray = QColor(142, 142, 147);
 const QColor ControlPanelModel::statusGreen = QColor(48, 209, 88);
@@ -100,6 +103,7 @@ void ControlPanelModel::saveManualLocation()
                     SettingsManager::shared().saveWeatherSettings(**found);
                     setGeoStatus(QString::fromUtf8("✓ Impostato su ") + (*found)->city, statusGreen);
                 } else {
+                    qCDebug(lcPanel) << "no city found";
                     setGeoStatus(QString::fromUtf8("Città non trovata"), statusRed);
                 }
             } else {

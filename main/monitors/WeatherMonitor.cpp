@@ -1,5 +1,6 @@
 #include "WeatherMonitor.h"
 
+#include "MonitorsLog.h"
 #include "OutsideData.h"
 #include "SettingsManager.h"
 
@@ -8,6 +9,8 @@
 #include <QPointer>
 #include <charconv>
 #include <cmath>
+
+Q_LOGGING_CATEGORY(lcMonitors, "ombrix.monitors", QtWarningMsg)
 
 namespace {
 
@@ -51,7 +54,10 @@ template <typename T, typename Decode> WeatherResult<T> decodeBody(const Weather
 {
     if (const auto* err = std::get_if<WeatherError>(&body))
         return *err;
-    return decode(std::get<QByteArray>(body));
+    WeatherResult<T> result = decode(std::get<QByteArray>(body));
+    if (const auto* err = std::get_if<WeatherError>(&result))
+        qCWarning(lcMonitors) << "bad weather reply:" << err->detail;
+    return result;
 }
 
 } // namespace
@@ -156,8 +162,10 @@ void WeatherMonitor::get(Service service, const QByteArray& path, const std::opt
         reply->deleteLater();
         if (arrivedWhole(reply))
             deliver(reply->readAll());
-        else
+        else {
+            qCWarning(lcMonitors) << "weather request failed:" << reply->url().path() << reply->errorString();
             deliver(WeatherError{WeatherError::Kind::Transport, reply->errorString()});
+        }
     });
 }
 

@@ -1,6 +1,7 @@
 #include "DefaultsSuite.h"
 
 #include "AtomicFile.h"
+#include "SettingsLog.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,6 +10,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
+
+Q_LOGGING_CATEGORY(lcSettings, "ombrix.settings", QtWarningMsg)
 
 namespace {
 
@@ -112,8 +115,10 @@ void DefaultsSuite::load()
         if (raw.isEmpty() || raw.size() > maxLineBytes)
             continue;
         const auto doc = QJsonDocument::fromJson(raw);
-        if (!doc.isObject())
+        if (!doc.isObject()) {
+            qCWarning(lcSettings) << "skipping a damaged line of" << m_path;
             continue;
+        }
         const auto line = doc.object();
         const auto key = line.value("k");
         if (!key.isString())
@@ -190,8 +195,10 @@ bool DefaultsSuite::synchronize()
     if (out == m_synced)
         return true;
     // On failure the values stay in memory, so the next successful save writes them all.
-    if (!atomicfile::replace(m_path, out))
+    if (!atomicfile::replace(m_path, out)) {
+        qCWarning(lcSettings) << "could not write" << m_path;
         return false;
+    }
     m_synced = out;
     return true;
 }

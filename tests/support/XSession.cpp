@@ -1,14 +1,16 @@
 #include "XSession.h"
 
+#include "DefaultsSuite.h"
+#include "SettingsManager.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QThread>
-#include <algorithm>
-#include <fcntl.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
+#include <utility>
 
 QString buildDir()
 {
@@ -18,98 +20,81 @@ QString buildDir()
 
 QString artifactsDir()
 {
-    QString dir = qEnvironmentVariable("OMBRIX_ARTIFACTS");
-    if (dir.isEmpty())
-        dir = buildDir() + "/artifacts";
+    const QString dir = qEnvironmentVariable("OMBRIX_ARTIFACTS", buildDir() + "/artifacts");
     QDir().mkpath(dir);
     return dir;
 }
 
 bool XSession::waitFor(const std::function<bool()>& condition, int timeoutMs)
 {
-    QDeadlineTimer deadline(timeoutMs);
-    while (!deadline.hasExpired()) {
+    for (QDeadlineTimer deadline(timeoutMs); !deadline.hasExpired();) {
         if (condition())
             return true;
+        // Polled: events keep flowing between the looks. A nested event loop here would also run
+        // deferred deletions in the middle of a test, which changes what some view tests see.
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(30);
+        QThread::msleep(20);
     }
     return condition();
 }
 
 XSession::XSession(XSessionOptions options)
 {
-    // Xvfb picks a free display and writes its number to the pipe we hand it.
-    int fds[2];
-    if (pipe(fds) != 0)
-        return;
-    m_xvfb = std::make_unique<QProcess>();
-    m_xvfb->setProgram("Xvfb");
-    m_xvfb->setArguments({"-displayfd", QString::number(fds[1]), "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
-    m_xvfb->setChildProcessModifier([fd = fds[0]] { ::close(fd); });
-    m_xvfb->setStandardOutputFile(QProcess::nullDevice());
-    m_xvfb->setStandardErrorFile(QProcess::nullDevice());
-    m_xvfb->start();
-    ::close(fds[1]);
+    // Xvfb picks a free display and writes its number to the descriptor we name: its output.
+    startHelper("Xvfb", {"-displayfd", "1", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
     QByteArray number;
-    fcntl(fds[0], F_SETFL, O_NONBLOCK);
-    waitFor(
-        [&] {
-            char buf[16];
-            const ssize_t n = ::read(fds[0], buf, sizeof buf);
-            if (n > 0)
-                number.append(buf, n);
-            return number.contains('\n');
-        },
-        10000);
-    ::close(fds[0]);
-    if (!number.contains('\n'))
+    if (!waitFor([&] { return (number += m_helpers.back()->readAllStandardOutput()).contains('\n'); }))
         return;
     m_display = ":" + QString::fromLatin1(number.trimmed());
-    // On a loaded machine a manager now and then never gets going on a new display; another start
-    // of it does.
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        startWindowManager(options.windowManager);
+    QDir().mkpath(configDir());
+    const QString& wm = options.windowManager;
+    QProcessEnvironment wmEnv;
+    QStringList wmArgs;
+    if (wm == "i3") {
+        // Its own config: no first-run wizard, and the tests' ordinary windows float.
+        QFile config(home() + "/i3.conf");
+        config.open(QIODevice::WriteOnly);
+        config.write(
+            "# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
+        wmArgs = {"-c", config.fileName()};
+    }
+    wmEnv.insert("KWIN_COMPOSE", "N"); // no compositing on a virtual display
+    if (wm == "xfwm4")
+        wmArgs = {"--compositor=off"};
+    // On a loaded machine a manager now and then never gets going on a new display; another start does.
+    for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
+        startHelper(wm, wmArgs, wmEnv);
         m_managed = waitFor(
             [&] {
                 return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id");
             },
-            8000);
-        if (m_managed)
-            break;
-        m_helpers.back()->kill();
-        m_helpers.back()->waitForFinished(3000);
-        m_helpers.pop_back();
+            15000);
+        if (!m_managed)
+            m_helpers.pop_back();
     }
     if (options.tray)
         startHelper("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
-    if (options.composite)
-        startHelper("xcompmgr", {});
     if (!options.compositor.isEmpty())
         startHelper(options.compositor.first(), options.compositor.mid(1));
-    QDir().mkpath(configDir());
 }
 
 XSession::~XSession()
 {
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    if (ok() && test && ::testing::Test::HasFailure())
+        grabScreen().save(artifactsDir() + QString("/failed-%1.%2.png").arg(test->test_suite_name(), test->name()));
     stopApp();
-    for (auto it = m_helpers.rbegin(); it != m_helpers.rend(); ++it) {
-        (*it)->kill();
-        (*it)->waitForFinished(3000);
-    }
-    if (m_xvfb) {
-        m_xvfb->kill();
-        m_xvfb->waitForFinished(3000);
-    }
+    while (!m_helpers.empty())
+        m_helpers.pop_back(); // the display last
 }
 
 QProcessEnvironment XSession::environment() const
 {
     auto env = QProcessEnvironment::systemEnvironment();
     env.insert("DISPLAY", m_display);
-    env.insert("HOME", m_home.path());
-    env.insert("XDG_CONFIG_HOME", m_home.path() + "/.config");
-    env.insert("XDG_RUNTIME_DIR", m_home.path());
+    env.insert("HOME", home());
+    env.insert("XDG_CONFIG_HOME", home() + "/.config");
+    env.insert("XDG_RUNTIME_DIR", home());
     env.remove("QT_QPA_PLATFORM");
     env.remove("DBUS_SESSION_BUS_ADDRESS");
     // Off the machine's own UPower; a test that wants one hands its stand-in's address.
@@ -117,58 +102,103 @@ QProcessEnvironment XSession::environment() const
     return env;
 }
 
-void XSession::startWindowManager(const QString& name)
+std::unique_ptr<DefaultsSuite> XSession::settings() const
 {
-    if (name == "i3") {
-        // Its own config, so no first-run wizard; the test's normal windows float like dialogs.
-        QFile config(m_home.path() + "/i3.conf");
-        config.open(QIODevice::WriteOnly);
-        config.write(
-            "# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
-        config.close();
-        startHelper("i3", {"-c", config.fileName()});
-    } else if (name == "kwin_x11") {
-        // No compositing on a virtual display.
-        QProcessEnvironment env;
-        env.insert("KWIN_COMPOSE", "N");
-        startHelper("kwin_x11", {}, env);
-    } else if (name == "xfwm4") {
-        startHelper("xfwm4", {"--compositor=off"});
-    } else {
-        startHelper(name, {});
+    return DefaultsSuite::open(SettingsManager::suiteName, configDir());
+}
+
+void XSession::enable(const QStringList& widgets, const QString& size)
+{
+    auto suite = settings();
+    for (const QString& name : widgets) {
+        suite->setObject(true, "widget." + name + ".enabled");
+        if (!size.isEmpty())
+            suite->setObject(size, "widget." + name + ".size");
     }
+    suite->synchronize();
+}
+
+void XSession::pointWeatherAt(const QString& base)
+{
+    auto suite = settings();
+    for (const char* service : {"ipapi", "geocoding", "forecast"})
+        suite->setObject(base, QString("service.%1.base").arg(service));
+    suite->synchronize();
+}
+
+std::optional<Position> XSession::storedPosition(const QString& widget) const
+{
+    const auto data = settings()->dataForKey("widget." + widget + ".position");
+    return data ? Position::fromJson(*data) : std::nullopt;
 }
 
 void XSession::startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra)
 {
-    auto p = std::make_unique<QProcess>();
+    m_helpers.emplace_back(new QProcess, [](QProcess* p) {
+        p->kill();
+        p->waitForFinished(3000);
+        delete p;
+    });
+    QProcess* p = m_helpers.back().get();
     QProcessEnvironment env = environment();
     env.insert(extra);
     p->setProcessEnvironment(env);
-    p->setStandardOutputFile(QProcess::nullDevice());
     p->setStandardErrorFile(QProcess::nullDevice());
+    if (program != "Xvfb")
+        p->setStandardOutputFile(QProcess::nullDevice());
     p->start(program, args);
-    p->waitForStarted(5000);
-    m_helpers.push_back(std::move(p));
+    p->waitForStarted(10000);
 }
 
-bool XSession::helperRunning(const QString& program) const
+QString runTool(const QString& program, const QStringList& args, const QProcessEnvironment& env, int timeoutMs)
 {
-    return std::any_of(m_helpers.begin(), m_helpers.end(),
-                       [&](const auto& p) { return p->program() == program && p->state() == QProcess::Running; });
+    QProcess p;
+    p.setProcessEnvironment(env);
+    p.start(program, args);
+    if (p.waitForFinished(timeoutMs))
+        return QString::fromUtf8(p.readAllStandardOutput());
+    p.kill();
+    p.waitForFinished(1000);
+    return {};
 }
 
 QString XSession::run(const QString& program, const QStringList& args, int timeoutMs) const
 {
-    QProcess p;
-    p.setProcessEnvironment(environment());
-    p.start(program, args);
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished(1000);
-        return {};
+    return runTool(program, args, environment(), timeoutMs);
+}
+
+void XSession::click(QPoint at) const
+{
+    run("xdotool", {"mousemove", QString::number(at.x()), QString::number(at.y()), "click", "1"});
+}
+
+bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
+{
+    const auto pointer = [&](QPoint p, const QStringList& then = {}) {
+        run("xdotool", QStringList{"mousemove", QString::number(p.x()), QString::number(p.y())} + then);
+    };
+    QPoint last = geometryOf(windowId).topLeft();
+    const auto follows = [&](int timeoutMs) {
+        return waitFor(
+            [&] {
+                const QPoint now = geometryOf(windowId).topLeft();
+                return std::exchange(last, now) != now;
+            },
+            timeoutMs);
+    };
+    // The move is handed over once the pointer travels a few points, and the window then trails it by
+    // that much: steps of 4 until it follows, then the rest of the way, waited for before the release.
+    pointer(from, {"mousedown", "1"});
+    const QPointF unit = QPointF(to - from) * 4 / std::max(1, (to - from).manhattanLength());
+    bool moving = false;
+    for (int step = 1; step <= 20 && !moving; ++step) {
+        pointer(from + (unit * step).toPoint());
+        moving = follows(1000);
     }
-    return QString::fromUtf8(p.readAllStandardOutput());
+    pointer(to);
+    moving = moving && follows(10000);
+    run("xdotool", {"mouseup", "1"});
+    return moving;
 }
 
 bool XSession::startApp(const QProcessEnvironment& extra)
@@ -179,60 +209,57 @@ bool XSession::startApp(const QProcessEnvironment& extra)
     m_app->setProcessEnvironment(env);
     m_app->setProcessChannelMode(QProcess::ForwardedChannels);
     m_app->start(buildDir() + "/OmbrixWidget", {});
-    return m_app->waitForStarted(5000);
+    return m_app->waitForStarted(10000);
 }
 
 void XSession::stopApp()
 {
-    if (!m_app)
-        return;
-    if (m_app->state() != QProcess::NotRunning) {
+    if (m_app && m_app->state() != QProcess::NotRunning) {
         m_app->terminate();
-        if (!m_app->waitForFinished(5000)) {
+        if (!m_app->waitForFinished(10000))
             m_app->kill();
-            m_app->waitForFinished(2000);
-        }
+        m_app->waitForFinished(2000);
     }
     m_app.reset();
 }
 
 QStringList XSession::windowsNamed(const QString& title) const
 {
-    const QString out =
-        run("xdotool", {"search", "--onlyvisible", "--name", "^" + QRegularExpression::escape(title) + "$"});
-    return out.split('\n', Qt::SkipEmptyParts);
+    return run("xdotool", {"search", "--onlyvisible", "--name", "^" + QRegularExpression::escape(title) + "$"})
+        .split('\n', Qt::SkipEmptyParts);
 }
 
 QString XSession::waitForWindow(const QString& title, int timeoutMs) const
 {
-    QString id;
-    waitFor(
-        [&] {
-            const auto ids = windowsNamed(title);
-            id = ids.size() == 1 ? ids.first() : QString();
-            return !id.isEmpty();
-        },
-        timeoutMs);
-    return id;
+    QStringList ids;
+    waitFor([&] { return (ids = windowsNamed(title)).size() == 1; }, timeoutMs);
+    return ids.size() == 1 ? ids.first() : QString();
 }
 
-QRect XSession::geometryOf(const QString& windowId) const
+QRect xGeometry(const QString& windowId, const QProcessEnvironment& env)
 {
-    const QString out = run("xwininfo", {"-id", windowId});
+    const QString out = runTool("xwininfo", {"-id", windowId}, env);
     const auto num = [&](const char* label) {
-        const QRegularExpression re(QString(label) + R"(:\s+(-?\d+))");
-        return re.match(out).captured(1).toInt();
+        return QRegularExpression(QString(label) + R"(:\s+(-?\d+))").match(out).captured(1).toInt();
     };
     return QRect(num("Absolute upper-left X"), num("Absolute upper-left Y"), num("Width"), num("Height"));
 }
 
+QRect XSession::geometryOf(const QString& windowId) const
+{
+    return xGeometry(windowId, environment());
+}
+
+QPointF XSession::originOf(const QString& windowId) const
+{
+    const QRect g = geometryOf(windowId);
+    return QPointF(g.x(), screenHeight - (g.y() + g.height()));
+}
+
 QImage XSession::grabScreen() const
 {
-    const QString file = m_home.path() + "/screen.png";
+    const QString file = home() + "/screen.png";
     QFile::remove(file);
-    QProcess p;
-    p.setProcessEnvironment(environment());
-    p.start(buildDir() + "/tests/support/ombrix-screenshot", {file});
-    p.waitForFinished(10000);
+    run(buildDir() + "/tests/support/ombrix-screenshot", {file});
     return QImage(file);
 }

@@ -1,26 +1,28 @@
 #pragma once
-// A private X display for one test: Xvfb (1440x900) with openbox (or another window manager), and on request a tray
-// host and a compositor; plus the app started inside it with its own HOME, and outside views of its windows.
+// The one fixture of whole-app tests: a private X display (Xvfb, 1440x900) with a window manager and,
+// on request, a tray host and a compositor; a temporary HOME with the app's settings; the app started
+// there; its windows found, clicked and looked at from outside. A failed test leaves a screenshot.
+#include "DefaultsSuite.h"
+#include "SettingsRecords.h"
+
 #include <QImage>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QRect>
-#include <QString>
 #include <QTemporaryDir>
 #include <functional>
 #include <memory>
-#include <vector>
+#include <optional>
 
 struct XSessionOptions {
     bool tray = false;
-    bool composite = false;      // xcompmgr
-    QStringList compositor = {}; // or any other compositor's command line
-    // openbox, fluxbox, xfwm4, i3 or kwin_x11.
-    QString windowManager = "openbox";
+    QStringList compositor = {};       // a compositor's command line
+    QString windowManager = "openbox"; // or fluxbox, xfwm4, i3, kwin_x11
 };
 
 class XSession {
   public:
+    static constexpr int screenHeight = 900;
+
     explicit XSession(XSessionOptions options = {});
     ~XSession();
 
@@ -30,39 +32,49 @@ class XSession {
     QString configDir() const { return m_home.path() + "/.config/OmbrixWidget"; }
     QProcessEnvironment environment() const;
 
-    // Runs a tool on this display and gives its standard output (empty on failure).
-    // Whether a helper started with the session (openbox, a compositor) still runs.
-    bool helperRunning(const QString& program) const;
-    QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    // The app's settings in this HOME, and three ways to set them before it starts.
+    std::unique_ptr<DefaultsSuite> settings() const;
+    void enable(const QStringList& widgets, const QString& size = {});
+    void pointWeatherAt(const QString& base = "http://127.0.0.1:9"); // a replay server, or a closed port
+    std::optional<Position> storedPosition(const QString& widget) const;
 
-    // Starts build/OmbrixWidget on this display with this session's HOME, plus `extra` variables
-    // (a private session bus, for one).
+    // A tool run on this display: its standard output, empty on failure.
+    QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    // A real click; a press, a drag that waits for the window to follow, and a release.
+    void click(QPoint at) const;
+    bool drag(const QString& windowId, QPoint from, QPoint to) const;
+
+    // build/OmbrixWidget on this display, with `extra` variables (a private bus, for one).
     bool startApp(const QProcessEnvironment& extra = {});
     void stopApp();
     QProcess* app() { return m_app.get(); }
 
-    // Windows by exact title or by WM_CLASS instance, as X ids.
+    // Windows by exact title, as X ids; the one visible window of a title, waited for.
     QStringList windowsNamed(const QString& title) const;
-    // Waits for exactly one visible window of that title and gives its id (empty on time-out).
-    QString waitForWindow(const QString& title, int timeoutMs = 15000) const;
-    // A window's outer geometry in X (top-left) coordinates, read with xwininfo.
+    QString waitForWindow(const QString& title, int timeoutMs = 60000) const;
+    QString widget(const QString& name) const { return waitForWindow("OmbrixWidget " + name); }
+    // Outer geometry in X coordinates (top left, y down); the origin in the app's (bottom left, y up).
     QRect geometryOf(const QString& windowId) const;
+    QPointF originOf(const QString& windowId) const;
     QImage grabScreen() const;
+    QImage shot(const QString& windowId) const { return grabScreen().copy(geometryOf(windowId)); }
 
-    // Waits for `condition`, processing events, up to `timeoutMs`.
-    static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 15000);
+    // Waits for `condition` while events keep flowing, up to `timeoutMs`.
+    static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 30000);
 
   private:
-    void startWindowManager(const QString& name);
     void startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra = {});
 
     QTemporaryDir m_home;
     QString m_display;
-    std::unique_ptr<QProcess> m_xvfb;
-    std::vector<std::unique_ptr<QProcess>> m_helpers;
-    bool m_managed = false; // a window manager answers on the display
+    std::vector<std::unique_ptr<QProcess, void (*)(QProcess*)>> m_helpers; // Xvfb first
+    bool m_managed = false;                                                // a window manager answers
     std::unique_ptr<QProcess> m_app;
 };
 
+// A tool's output and a window's geometry on the display `env` names (the run's own by default).
+QString runTool(const QString& program, const QStringList& args,
+                const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment(), int timeoutMs = 10000);
+QRect xGeometry(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
 QString buildDir();
 QString artifactsDir();
