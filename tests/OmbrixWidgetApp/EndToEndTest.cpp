@@ -7,6 +7,7 @@
 #include "PrivateBus.h"
 #include "ReplayProcess.h"
 #include "UPowerMock.h"
+#include "XSession.h"
 
 #include <QDBusReply>
 #include <QDBusVariant>
