@@ -112,6 +112,13 @@ int frames(const Selector& sel, double seconds)
         damageOf[d] = w;
         count[w] = 0;
     }
+    // The server reports a new damage object's whole window as damaged at once: that is no frame
+    // of the program's, so it is taken (after a round trip) and cleared before counting starts.
+    free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    while (xcb_generic_event_t* e = xcb_poll_for_event(c))
+        free(e);
+    for (const auto& [d, w] : damageOf)
+        xcb_damage_subtract(c, d, XCB_NONE, XCB_NONE);
     xcb_flush(c);
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (std::chrono::steady_clock::now() < end) {

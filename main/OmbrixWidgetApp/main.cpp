@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QQuickWindow>
+#include <QThreadPool>
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 #include <cstdio>
@@ -75,6 +76,9 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("QT_XCB_NO_MITSHM"))
         qputenv("QT_XCB_NO_MITSHM", "1");
     QApplication app(argc, argv);
+    // Painting splits a tall blend into pieces for the shared pool; one pooled thread takes them, so
+    // a clock's tick wakes one thread rather than one per core.
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
     QApplication::setApplicationName("OmbrixWidget");
     QApplication::setApplicationVersion(OMBRIX_VERSION);
     QApplication::setDesktopFileName("com.ombrixwidget.OmbrixWidget");

@@ -21,8 +21,8 @@ class MusicVisualizerModel : public QObject {
     static constexpr qreal maxHeight = 20;
     static constexpr int tickMs = 150;
     // The easing is stepped by this model, not by a QML animation, so the window renders only these
-    // frames (at most 30 a second) instead of one per vsync.
-    static constexpr int frameMs = 37;
+    // frames (about 24 a second, still several per tick) instead of one per vsync.
+    static constexpr int frameMs = 41;
 
     explicit MusicVisualizerModel(QObject* parent = nullptr);
 

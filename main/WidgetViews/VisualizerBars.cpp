@@ -97,10 +97,14 @@ QSGNode* VisualizerBars::updatePaintNode(QSGNode* old, UpdatePaintNodeData*)
         if (!texture)
             texture = window()->createTextureFromImage(
                 barImage(MusicVisualizerModel::minHeight + qreal(step) / stepsPerPoint, m_color, dpr));
+        // A node left as it was adds nothing to the frame's dirty region.
         auto* image = static_cast<QSGImageNode*>(child);
-        image->setTexture(texture);
-        image->setRect(QRectF(i * (barWidth + spacing), height() - MusicVisualizerModel::maxHeight, pixelWidth,
-                              MusicVisualizerModel::maxHeight));
+        if (image->texture() != texture)
+            image->setTexture(texture);
+        const QRectF rect(i * (barWidth + spacing), height() - MusicVisualizerModel::maxHeight, pixelWidth,
+                          MusicVisualizerModel::maxHeight);
+        if (image->rect() != rect)
+            image->setRect(rect);
     }
     return node;
 }

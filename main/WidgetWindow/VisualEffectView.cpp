@@ -87,18 +87,6 @@ void VisualEffectView::setMaterial(int m)
     scheduleRefresh();
 }
 
-void VisualEffectView::setBlendingMode(int m)
-{
-    m_blendingMode = m;
-    emit blendingModeChanged();
-}
-
-void VisualEffectView::setState(int s)
-{
-    m_state = s;
-    emit stateChanged();
-}
-
 void VisualEffectView::setCornerRadius(double r)
 {
     m_cornerRadius = r;

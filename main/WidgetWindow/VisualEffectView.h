@@ -19,8 +19,6 @@ class VisualEffectView : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(int material READ material WRITE setMaterial NOTIFY materialChanged)
-    Q_PROPERTY(int blendingMode READ blendingMode WRITE setBlendingMode NOTIFY blendingModeChanged)
-    Q_PROPERTY(int state READ state WRITE setState NOTIFY stateChanged)
     Q_PROPERTY(double cornerRadius READ cornerRadius WRITE setCornerRadius NOTIFY cornerRadiusChanged)
 
   public:
@@ -31,10 +29,6 @@ class VisualEffectView : public QQuickItem {
 
     int material() const { return m_material; }
     void setMaterial(int m);
-    int blendingMode() const { return m_blendingMode; }
-    void setBlendingMode(int m);
-    int state() const { return m_state; }
-    void setState(int s);
     double cornerRadius() const { return m_cornerRadius; }
     void setCornerRadius(double r);
 
@@ -48,8 +42,6 @@ class VisualEffectView : public QQuickItem {
 
   signals:
     void materialChanged();
-    void blendingModeChanged();
-    void stateChanged();
     void cornerRadiusChanged();
 
   protected:
@@ -68,8 +60,6 @@ class VisualEffectView : public QQuickItem {
     QRect deviceArea() const;
 
     int m_material = HudWindow;
-    int m_blendingMode = 0;
-    int m_state = 1;
     double m_cornerRadius = 0;
 
     QImage m_image;       // blurred wallpaper, tint and overlay, until the scene graph takes it

@@ -17,7 +17,7 @@ Item {
 
     Component.onCompleted: model.appear()
 
-    VisualEffectView { anchors.fill: parent; material: 13; blendingMode: 0; state: 1 }
+    VisualEffectView { anchors.fill: parent; material: 13 }
 
     // The window has no title bar: a press on the background moves it.
     MouseArea {
