@@ -113,15 +113,20 @@ WidgetContainer {
             Layout.alignment: Qt.AlignLeft | Qt.AlignVCenter
             spacing: 0
 
-            RowLayout {
+            // Anchored, not a nested RowLayout: a nested layout is arranged again only when its
+            // own size changes, so the emoji box, still empty when the row was first arranged at
+            // its final width, stayed 0 wide at the right edge and the emoji was drawn past it.
+            Item {
                 Layout.fillWidth: true
                 Layout.alignment: Qt.AlignTop
-                spacing: 12
+                implicitHeight: Math.max(city.implicitHeight, emojiBox.height)
 
                 Text {
+                    id: city
                     objectName: "city"
-                    Layout.fillWidth: true
-                    Layout.alignment: Qt.AlignTop
+                    anchors.left: parent.left
+                    anchors.right: emojiBox.left
+                    anchors.rightMargin: 12
                     text: weather.cityName
                     textFormat: Text.PlainText
                     font.pixelSize: 15
@@ -131,9 +136,10 @@ WidgetContainer {
                     elide: Text.ElideRight
                 }
                 Item {
-                    Layout.alignment: Qt.AlignTop
-                    implicitWidth: emoji.implicitWidth
-                    implicitHeight: emoji.implicitHeight
+                    id: emojiBox
+                    anchors.right: parent.right
+                    width: Math.ceil(emoji.implicitWidth)
+                    height: Math.ceil(emoji.implicitHeight)
 
                     EmojiShadow {
                         x: -radius

@@ -5,7 +5,7 @@
 #include "Blobs.h"
 #include "DefaultsSuite.h"
 #include "FakePowerSupplyTree.h"
-#include "HueChecks.h"
+#include "PixelChecks.h"
 #include "SettingsManager.h"
 #include "UPowerMock.h"
 #include "XSession.h"

@@ -1,8 +1,8 @@
 // The music widget in the running app, fed by a test MPRIS player on a private session bus, and
 // looked at and clicked from outside: screen pixels, real pointer clicks, the player's call log.
-#include "ColorMatch.h"
 #include "DefaultsSuite.h"
 #include "ImageServer.h"
+#include "PixelChecks.h"
 #include "PrivateBus.h"
 #include "SettingsManager.h"
 #include "XSession.h"

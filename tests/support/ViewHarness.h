@@ -5,27 +5,23 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <memory>
-
-QQuickItem* findItem(QQuickItem* from, const QString& objectName);
+#include <string>
 
 class ViewHarness {
   public:
     // Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height.
     ViewHarness(const QString& url, int width, int height);
-    ~ViewHarness();
 
     QQuickItem* root() const { return m_root; }
     QQuickWindow* window() const { return m_window.get(); }
     QString errors() const { return m_errors; }
-    void resize(int width, int height);
-
-    // Lets bindings and painting settle, then grabs the window's own pixels.
+    // The view's own pixels, alpha kept.
     QImage grab();
+    // Texts and symbols drawn past the edge of `content` (window pixels) or over one another.
+    std::string misplaced(const QRectF& content) const;
     // By object name through the item tree (Repeater delegates are not QObject children).
-    template <typename T> T* find(const QString& objectName) const
-    {
-        return qobject_cast<T*>(findItem(m_root, objectName));
-    }
+    static QQuickItem* find(QQuickItem* from, const QString& objectName);
+    QQuickItem* find(const QString& objectName) const { return find(m_root, objectName); }
 
   private:
     QQmlEngine m_engine;
@@ -33,6 +29,3 @@ class ViewHarness {
     QQuickItem* m_root = nullptr;
     QString m_errors;
 };
-
-// Mean brightness (0..255) of the pixels of `img` inside `r`, composed over black.
-double brightness(const QImage& img, const QRect& r);
