@@ -8,7 +8,6 @@ import Ombrix.WidgetViews
 // bars and the transport buttons.
 WidgetContainer {
     id: root
-    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
     readonly property string emojiFamily: "Noto Color Emoji"
     readonly property bool onScreen: root.visible && root.Window.window !== null && root.Window.window.visible
     // Which of the three layouts shows: "waiting", "small" or "medium".
@@ -53,7 +52,7 @@ WidgetContainer {
                     text: "In attesa di musica…"
                     font.pixelSize: 13
                     font.weight: Font.Medium
-                    color: root.dimWhite
+                    color: Colors.dimWhite
                 }
             }
         }
@@ -84,7 +83,7 @@ WidgetContainer {
                         textFormat: Text.PlainText
                         font.pixelSize: 13
                         font.weight: Font.DemiBold
-                        color: "white"
+                        color: Colors.white
                         maximumLineCount: 1
                         elide: Text.ElideRight
                     }
@@ -95,7 +94,7 @@ WidgetContainer {
                         text: music.artist
                         textFormat: Text.PlainText
                         font.pixelSize: 11
-                        color: root.dimWhite
+                        color: Colors.dimWhite
                         maximumLineCount: 1
                         elide: Text.ElideRight
                     }
@@ -139,7 +138,7 @@ WidgetContainer {
                             textFormat: Text.PlainText
                             maximumLineCount: 1
                             elide: Text.ElideRight
-                            color: root.dimWhite
+                            color: Colors.dimWhite
                         }
                         Text {
                             objectName: "track"
@@ -148,7 +147,7 @@ WidgetContainer {
                             textFormat: Text.PlainText
                             font.pixelSize: 17
                             font.weight: Font.DemiBold
-                            color: "white"
+                            color: Colors.white
                             maximumLineCount: 1
                             elide: Text.ElideRight
                         }
@@ -158,7 +157,7 @@ WidgetContainer {
                             text: music.artist
                             textFormat: Text.PlainText
                             font.pixelSize: 13
-                            color: root.dimWhite
+                            color: Colors.dimWhite
                             maximumLineCount: 1
                             elide: Text.ElideRight
                         }
@@ -178,7 +177,7 @@ WidgetContainer {
                         symbol: "backward.fill"
                         symbolSize: 12
                         diameter: 32
-                        color: Qt.rgba(1, 1, 1, 0.08)
+                        color: Colors.hairline
                         onClicked: music.control("previous")
                     }
                     TransportButton {
@@ -194,7 +193,7 @@ WidgetContainer {
                         symbol: "forward.fill"
                         symbolSize: 12
                         diameter: 32
-                        color: Qt.rgba(1, 1, 1, 0.08)
+                        color: Colors.hairline
                         onClicked: music.control("next")
                     }
                 }
@@ -236,7 +235,7 @@ WidgetContainer {
                     text: "🎵"
                     font.family: root.emojiFamily
                     font.pixelSize: 32
-                    color: "white"
+                    color: Colors.white
                     opacity: 0.7
                 }
             }
@@ -261,7 +260,7 @@ WidgetContainer {
             anchors.centerIn: parent
             name: button.symbol
             size: button.symbolSize
-            color: "white"
+            color: Colors.white
         }
         MouseArea {
             objectName: "pressArea"
