@@ -1,5 +1,4 @@
 import QtQuick
-import Ombrix.WidgetViews
 
 // One hand from the centre of its box, lengthFraction of the smaller half side long, with round
 // ends. It is a small item turned by the scene graph, so a tick redraws only where the hand was and
@@ -9,7 +8,7 @@ Item {
     property real angle: 0 // degrees clockwise from twelve
     property real lengthFraction: 1
     property real thickness: 1
-    property color color: Colors.white
+    property color color: "white"
     readonly property real length: Math.min(width, height) * 0.5 * lengthFraction
 
     Rectangle {

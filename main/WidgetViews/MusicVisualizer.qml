@@ -5,7 +5,7 @@ import Ombrix.WidgetViews
 // track plays. The model eases them itself, at a capped frame rate.
 Item {
     id: root
-    property color color: Colors.white
+    property color color: "white"
     // Bound by the caller to being on screen: the bars tick only then.
     property alias active: heights.active
     property alias model: heights
