@@ -231,7 +231,7 @@ WidgetContainer {
                     }
                     Text {
                         text: row.modelData.emoji
-                        font.family: root.emojiFamily
+                        font.family: root.emojiFamily // qmllint disable unqualified
                         font.pixelSize: 16
                     }
                     Item { Layout.fillWidth: true }

@@ -64,7 +64,7 @@ Item {
                     implicitWidth: tabText.implicitWidth + 32
                     implicitHeight: tabText.implicitHeight + 12
                     radius: 6
-                    color: root.model.activeTab === modelData.value ? Colors.selection : "transparent"
+                    color: root.model.activeTab === modelData.value ? Colors.selection : "transparent" // qmllint disable unqualified
                     Text {
                         id: tabText
                         anchors.centerIn: parent
@@ -72,7 +72,7 @@ Item {
                         font.pixelSize: 13; font.weight: Font.DemiBold
                         color: Colors.white
                     }
-                    TapHandler { onTapped: root.model.activeTab = parent.modelData.value }
+                    TapHandler { onTapped: root.model.activeTab = parent.modelData.value } // qmllint disable unqualified
                 }
             }
             Item { Layout.fillWidth: true }

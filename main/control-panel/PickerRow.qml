@@ -58,20 +58,21 @@ RowLayout {
             border.color: Colors.hairline
         }
         delegate: ItemDelegate {
+            id: option
             required property var modelData
             required property int index
-            width: combo.width
+            width: combo.width // qmllint disable unqualified
             height: 26
-            highlighted: combo.highlightedIndex === index
+            highlighted: combo.highlightedIndex === index // qmllint disable unqualified
             contentItem: Text {
-                text: modelData.text
+                text: option.modelData.text
                 color: Colors.white
                 font.pixelSize: 12
                 verticalAlignment: Text.AlignVCenter
             }
             background: Rectangle {
                 radius: 4
-                color: parent.highlighted ? Colors.accentBlue : "transparent"
+                color: option.highlighted ? Colors.accentBlue : "transparent"
             }
         }
         popup.background: Rectangle {
