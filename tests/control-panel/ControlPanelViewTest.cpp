@@ -13,7 +13,7 @@ TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
         s.setProperty((name + "Enabled").toLatin1(), name == "battery");
     s.setBatteryVisibleDevices({"macbook", "watch", "mouse", "airpods"});
     ViewHarness view("qrc:/Ombrix/ControlPanel/ControlPanelView.qml", 420, 600);
-    ASSERT_TRUE(view.root()) << view.errors().toStdString();
+    ASSERT_TRUE(view.root) << view.errors.toStdString();
     const QImage widgets = view.grab();
     widgets.save(artifactsDir() + "/panel-widgets.png");
     EXPECT_EQ(view.misplaced(QRectF(0, 0, 420, 600)), "");
@@ -29,7 +29,8 @@ TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
     for (const QString name : {"label", "box", "tab-settings"}) {
         QQuickItem* item =
             name.startsWith("tab") ? view.find(name) : ViewHarness::find(view.find("device-mouse"), name);
-        QTest::mouseClick(view.window(), Qt::LeftButton, {}, item->mapToScene(item->boundingRect().center()).toPoint());
+        QTest::mouseClick(view.window.get(), Qt::LeftButton, {},
+                          item->mapToScene(item->boundingRect().center()).toPoint());
     }
     EXPECT_EQ(s.batteryVisibleDevices(), QStringList({"macbook", "watch", "airpods"}));
     ASSERT_TRUE(XSession::waitFor([&] { return view.find("settingsTab")->isVisible(); }, 5000));

@@ -10,37 +10,34 @@ ViewHarness::ViewHarness(const QString& url, int width, int height)
 {
     // A window over the whole screen stands where a file manager's desktop would, so the glass finds
     // no wallpaper to frost: views are looked at on their own.
-    static QWindow* cover = [] {
+    [[maybe_unused]] static const bool covered = [] {
         auto* w = new QWindow();
         w->setFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
         w->setGeometry(QGuiApplication::primaryScreen()->geometry());
         w->show();
-        XSession::waitFor([w] { return w->isExposed(); }, 5000);
-        return w;
+        return XSession::waitFor([w] { return w->isExposed(); }, 5000);
     }();
-    Q_UNUSED(cover);
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    m_window = std::make_unique<QQuickWindow>();
-    m_window->setFlags(Qt::FramelessWindowHint | Qt::Tool);
-    m_window->setColor(Qt::transparent);
-    m_window->resize(width, height);
-    m_engine.addImportPath("qrc:/");
-    QQmlComponent component(&m_engine, QUrl(url));
-    m_root = qobject_cast<QQuickItem*>(component.create());
-    if (!m_root) {
-        m_errors = component.errorString();
+    window = std::make_unique<QQuickWindow>();
+    window->setFlags(Qt::FramelessWindowHint | Qt::Tool);
+    window->setColor(Qt::transparent);
+    window->resize(width, height);
+    engine.addImportPath("qrc:/");
+    QQmlComponent component(&engine, QUrl(url));
+    root = qobject_cast<QQuickItem*>(component.create());
+    errors = component.errorString();
+    if (!root)
         return;
-    }
-    m_root->setParentItem(m_window->contentItem());
-    m_root->setParent(m_window.get());
-    m_root->setSize(QSizeF(width, height));
-    m_window->show();
-    XSession::waitFor([this] { return m_window->isExposed(); }, 5000);
+    root->setParentItem(window->contentItem());
+    root->setParent(window.get());
+    root->setSize(QSizeF(width, height));
+    window->show();
+    XSession::waitFor([this] { return window->isExposed(); }, 5000);
 }
 
 QImage ViewHarness::grab()
 {
-    auto result = m_root ? m_root->grabToImage() : nullptr;
+    auto result = root ? root->grabToImage() : nullptr;
     bool ready = false;
     if (result)
         QObject::connect(result.data(), &QQuickItemGrabResult::ready, [&ready] { ready = true; });
@@ -60,8 +57,6 @@ QQuickItem* ViewHarness::find(QQuickItem* from, const QString& objectName)
 
 namespace {
 
-// Texts and symbols drawn, with their boxes in the window; what a clipping item hides (a closed
-// card, a scrolled list) is not drawn.
 void drawnItems(QQuickItem* item, QRectF shown, QList<QPair<QQuickItem*, QRectF>>& out)
 {
     if (!item->isVisible() || item->opacity() == 0)
@@ -69,7 +64,7 @@ void drawnItems(QQuickItem* item, QRectF shown, QList<QPair<QQuickItem*, QRectF>
     const QRectF box = item->mapRectToScene(item->boundingRect());
     shown &= item->clip() ? box : shown;
     const bool text = item->inherits("QQuickText") && !item->property("text").toString().isEmpty();
-    if ((text || item->inherits("Symbol")) && shown.adjusted(-1, -1, 1, 1).contains(box))
+    if ((text || item->inherits("Symbol")) && shown.adjusted(-1, -1, 1, 1).contains(box)) // drawn whole
         out.append({item, box});
     for (QQuickItem* child : item->childItems())
         drawnItems(child, shown, out);
@@ -81,8 +76,7 @@ std::string ViewHarness::misplaced(const QRectF& content) const
 {
     QList<QPair<QQuickItem*, QRectF>> drawn;
     QStringList faults;
-    if (m_root)
-        drawnItems(m_root, m_root->mapRectToScene(m_root->boundingRect()), drawn);
+    drawnItems(root, root->mapRectToScene(root->boundingRect()), drawn);
     const auto name = [&](int k) { return drawn[k].first->objectName() + drawn[k].first->property("text").toString(); };
     for (int i = 0; i < drawn.size(); ++i) {
         if (!content.adjusted(-2, -2, 2, 2).contains(drawn[i].second))

@@ -7,25 +7,20 @@
 #include <memory>
 #include <string>
 
-class ViewHarness {
-  public:
-    // Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height.
+// Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height; `root`
+// is null, and `errors` says why, when the file does not load.
+struct ViewHarness {
     ViewHarness(const QString& url, int width, int height);
-
-    QQuickItem* root() const { return m_root; }
-    QQuickWindow* window() const { return m_window.get(); }
-    QString errors() const { return m_errors; }
-    // The view's own pixels, alpha kept.
     QImage grab();
-    // Texts and symbols drawn past the edge of `content` (window pixels) or over one another.
+    // Texts and symbols drawn past the edge of `content` (window pixels) or over one another; what a
+    // clipping item hides (a closed card, a scrolled list) is not drawn.
     std::string misplaced(const QRectF& content) const;
     // By object name through the item tree (Repeater delegates are not QObject children).
     static QQuickItem* find(QQuickItem* from, const QString& objectName);
-    QQuickItem* find(const QString& objectName) const { return find(m_root, objectName); }
+    QQuickItem* find(const QString& objectName) const { return find(root, objectName); }
 
-  private:
-    QQmlEngine m_engine;
-    std::unique_ptr<QQuickWindow> m_window;
-    QQuickItem* m_root = nullptr;
-    QString m_errors;
+    QQmlEngine engine;
+    std::unique_ptr<QQuickWindow> window;
+    QQuickItem* root = nullptr;
+    QString errors;
 };
