@@ -28,8 +28,7 @@ struct Probe {
     std::function<bool(const QColor&)> kind;
     int min;
 };
-// One view at one size, shown in both themes: its state, the outside text it shows (long ones are
-// elided), where that text appears and what must (or must not) be painted.
+// A view at one size in both themes: its state, the outside text shown (long: elided) and by which items, the paint.
 struct Look {
     QString view, size, state, text;
     QList<Probe> probes;
@@ -156,10 +155,8 @@ TEST(WidgetViews, EveryLookAtBothThemes)
                 const QFontMetricsF metrics(text->property("font").value<QFont>());
                 EXPECT_EQ(text->property("lineCount").toInt(), 1);
                 EXPECT_EQ(text->property("truncated").toBool(), look.text == kLong);
-                EXPECT_NEAR(width,
-                            look.text == kLong ? width
-                                               : metrics.horizontalAdvance(text->property("text").toString()) / factor,
-                            2);
+                const QString typed = text->property("text").toString();
+                EXPECT_NEAR(width, look.text == kLong ? width : metrics.horizontalAdvance(typed) / factor, 2);
             }
         }
     for (auto it = glass.begin(); it != glass.end(); std::advance(it, 2)) // "opaque" sorts before "transparent"

@@ -26,12 +26,11 @@ TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
         EXPECT_EQ(nearColor(c, QColor(0, 122, 255)), card == on) << card->objectName().toStdString();
     }
     // A device's label leaves its checkbox alone; the box flips it. Then the other tab.
-    for (const QString name : {"label", "box", "tab-settings"}) {
-        QQuickItem* item =
-            name.startsWith("tab") ? view.find(name) : ViewHarness::find(view.find("device-mouse"), name);
+    QQuickItem* mouse = view.find("device-mouse");
+    for (QQuickItem* item :
+         {ViewHarness::find(mouse, "label"), ViewHarness::find(mouse, "box"), view.find("tab-settings")})
         QTest::mouseClick(view.window.get(), Qt::LeftButton, {},
                           item->mapToScene(item->boundingRect().center()).toPoint());
-    }
     EXPECT_EQ(s.batteryVisibleDevices(), QStringList({"macbook", "watch", "airpods"}));
     ASSERT_TRUE(XSession::waitFor([&] { return view.find("settingsTab")->isVisible(); }, 5000));
     view.grab().save(artifactsDir() + "/panel-settings.png");

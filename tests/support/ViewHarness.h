@@ -1,14 +1,12 @@
 #pragma once
-// Shows one QML view in a real window of a given size and grabs what it draws.
-#include <QImage>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <memory>
 #include <string>
 
-// Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height; `root`
-// is null, and `errors` says why, when the file does not load.
+// Shows qrc:/Ombrix/<module>/<file> in a transparent frameless window of width x height and grabs what
+// it draws; `root` is null, and `errors` says why, when the file does not load.
 struct ViewHarness {
     ViewHarness(const QString& url, int width, int height);
     QImage grab();
