@@ -16,7 +16,6 @@ Column {
     required property string percentText
     required property string statusText
 
-    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
     readonly property real ringSide: isSmall ? 96 : 44
     readonly property real lineWidth: isSmall ? 7.5 : 5
     readonly property real boltOffset: isSmall ? 20 : 12
@@ -38,7 +37,7 @@ Column {
             height: width
             lineWidth: root.lineWidth
             color: root.arcColor
-            trackColor: Qt.rgba(1, 1, 1, 0.08)
+            trackColor: Colors.hairline
             progress: root.percent / 100
             Behavior on progress {
                 // The standard ease-in-out curve.
@@ -52,7 +51,7 @@ Column {
             text: root.percentText
             font.pixelSize: 21
             font.bold: true
-            color: "white"
+            color: Colors.white
         }
         Symbol {
             objectName: "centreIcon"
@@ -60,7 +59,7 @@ Column {
             anchors.centerIn: parent
             name: root.iconName
             size: 14
-            color: "white"
+            color: Colors.white
         }
         Symbol {
             objectName: "bolt"
@@ -70,7 +69,7 @@ Column {
             anchors.verticalCenterOffset: root.boltOffset
             name: "bolt.fill"
             size: root.isSmall ? 11 : 10
-            color: Qt.rgba(1, 204 / 255, 0, 1)
+            color: Colors.boltYellow
         }
     }
 
@@ -88,7 +87,7 @@ Column {
             elide: Text.ElideRight
             size: root.isSmall ? 11.5 : 10
             weight: root.isSmall ? Font.DemiBold : Font.Bold
-            color: root.isSmall ? "white" : root.dimWhite
+            color: root.isSmall ? Colors.white : Colors.dimWhite
         }
         Text {
             objectName: "status"
@@ -97,7 +96,7 @@ Column {
             text: root.statusText
             font.pixelSize: 11
             font.weight: root.isSmall ? Font.Normal : Font.DemiBold
-            color: root.isSmall ? root.dimWhite : "white"
+            color: root.isSmall ? Colors.dimWhite : Colors.white
         }
     }
 }

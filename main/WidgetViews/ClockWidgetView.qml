@@ -6,9 +6,6 @@ import Ombrix.WidgetViews
 // The clock: an analog dial or a digital read-out, with a calendar column at medium size.
 WidgetContainer {
     id: root
-    readonly property color accentRed: Qt.rgba(1.0, 69 / 255, 58 / 255, 1)
-    readonly property color hubDark: Qt.rgba(28 / 255, 28 / 255, 30 / 255, 1)
-    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
     readonly property bool isMedium: Settings.clockSize === "medium"
     readonly property bool isSmall: Settings.clockSize === "small"
     readonly property bool isAnalog: Settings.clockStyle === "analog"
@@ -45,27 +42,27 @@ WidgetContainer {
                     text: clock.city
                     textFormat: Text.PlainText
                     font.pixelSize: 9; font.bold: true; font.letterSpacing: 0.3
-                    color: root.dimWhite
+                    color: Colors.dimWhite
                     transform: Translate { y: -18 }
                 }
                 Text {
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: clock.shortDateString
                     font.pixelSize: 9; font.bold: true
-                    color: root.accentRed
+                    color: Colors.accentRed
                     transform: Translate { y: 18 }
                 }
             }
-            ClockHand { objectName: "hourHand"; anchors.fill: parent; angle: clock.hourAngle; lengthFraction: 0.55; thickness: 4.5; color: "white" }
-            ClockHand { objectName: "minuteHand"; anchors.fill: parent; angle: clock.minuteAngle; lengthFraction: 0.8; thickness: 3.5; color: "white" }
-            ClockHand { objectName: "secondHand"; anchors.fill: parent; angle: clock.secondAngle; lengthFraction: 0.88; thickness: 1.5; color: root.accentRed }
+            ClockHand { objectName: "hourHand"; anchors.fill: parent; angle: clock.hourAngle; lengthFraction: 0.55; thickness: 4.5; color: Colors.white }
+            ClockHand { objectName: "minuteHand"; anchors.fill: parent; angle: clock.minuteAngle; lengthFraction: 0.8; thickness: 3.5; color: Colors.white }
+            ClockHand { objectName: "secondHand"; anchors.fill: parent; angle: clock.secondAngle; lengthFraction: 0.88; thickness: 1.5; color: Colors.accentRed }
             // A 9-point disc with its 1.5 stroke centred on the edge: 10.5 across, the border inside that.
             Rectangle {
                 objectName: "hub"
                 anchors.centerIn: parent
                 width: 10.5; height: 10.5; radius: 5.25
-                color: root.hubDark
-                border.color: "white"; border.width: 1.5
+                color: Colors.hubDark
+                border.color: Colors.white; border.width: 1.5
             }
         }
 
@@ -83,7 +80,7 @@ WidgetContainer {
                 Layout.alignment: Qt.AlignHCenter
                 text: clock.fullDateString
                 font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.8
-                color: root.accentRed
+                color: Colors.accentRed
             }
             Item {
                 Layout.fillHeight: true
@@ -95,13 +92,13 @@ WidgetContainer {
                         anchors.horizontalCenter: parent.horizontalCenter
                         text: clock.timeString
                         font.pixelSize: root.isMedium ? 34 : 38; font.weight: Font.Light; font.letterSpacing: -1.2
-                        color: "white"
+                        color: Colors.white
                     }
                     Text {
                         anchors.horizontalCenter: parent.horizontalCenter
                         text: clock.secondsString
                         font.pixelSize: 13; font.weight: Font.Medium
-                        color: root.dimWhite
+                        color: Colors.dimWhite
                     }
                 }
             }
@@ -115,7 +112,7 @@ WidgetContainer {
                 text: clock.city
                 textFormat: Text.PlainText
                 font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5
-                color: root.dimWhite
+                color: Colors.dimWhite
             }
         }
 
@@ -127,7 +124,7 @@ WidgetContainer {
             Layout.bottomMargin: 4
             Layout.leftMargin: 16
             Layout.rightMargin: 16
-            color: Qt.rgba(1, 1, 1, 0.08)
+            color: Colors.hairline
         }
 
         ColumnLayout {
@@ -140,19 +137,19 @@ WidgetContainer {
             Text {
                 text: clock.weekdayName
                 font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.8
-                color: root.accentRed
+                color: Colors.accentRed
             }
             Text {
                 Layout.leftMargin: -2
                 text: clock.dayNumString
                 font.pixelSize: 48; font.weight: Font.Thin; font.letterSpacing: -2
-                color: "white"
+                color: Colors.white
             }
             Text {
                 Layout.preferredWidth: 140
                 text: "Nessun altro impegno oggi"
                 font.pixelSize: 11
-                color: root.dimWhite
+                color: Colors.dimWhite
                 wrapMode: Text.WordWrap
                 maximumLineCount: 2
             }

@@ -8,7 +8,6 @@ import Ombrix.WidgetViews
 // bars and the transport buttons.
 WidgetContainer {
     id: root
-    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
     readonly property string emojiFamily: "Noto Color Emoji"
     readonly property bool onScreen: root.visible && root.Window.window !== null && root.Window.window.visible
     // Which of the three layouts shows: "waiting", "small" or "medium".
@@ -33,6 +32,9 @@ WidgetContainer {
                        : root.layoutCase === "small" ? smallPlaying : mediumPlaying
     }
 
+    // The layouts below read the view's ids from inline Components, which Qt 6.4's qmllint reports
+    // as unqualified (it has no ComponentBehavior pragma yet); they resolve in this file's context.
+    // qmllint disable unqualified
     Component {
         id: waiting
         Item {
@@ -53,7 +55,7 @@ WidgetContainer {
                     text: "In attesa di musica…"
                     font.pixelSize: 13
                     font.weight: Font.Medium
-                    color: root.dimWhite
+                    color: Colors.dimWhite
                 }
             }
         }
@@ -84,7 +86,7 @@ WidgetContainer {
                         textFormat: Text.PlainText
                         font.pixelSize: 13
                         font.weight: Font.DemiBold
-                        color: "white"
+                        color: Colors.white
                         maximumLineCount: 1
                         elide: Text.ElideRight
                     }
@@ -95,7 +97,7 @@ WidgetContainer {
                         text: music.artist
                         textFormat: Text.PlainText
                         font.pixelSize: 11
-                        color: root.dimWhite
+                        color: Colors.dimWhite
                         maximumLineCount: 1
                         elide: Text.ElideRight
                     }
@@ -139,7 +141,7 @@ WidgetContainer {
                             textFormat: Text.PlainText
                             maximumLineCount: 1
                             elide: Text.ElideRight
-                            color: root.dimWhite
+                            color: Colors.dimWhite
                         }
                         Text {
                             objectName: "track"
@@ -148,7 +150,7 @@ WidgetContainer {
                             textFormat: Text.PlainText
                             font.pixelSize: 17
                             font.weight: Font.DemiBold
-                            color: "white"
+                            color: Colors.white
                             maximumLineCount: 1
                             elide: Text.ElideRight
                         }
@@ -158,7 +160,7 @@ WidgetContainer {
                             text: music.artist
                             textFormat: Text.PlainText
                             font.pixelSize: 13
-                            color: root.dimWhite
+                            color: Colors.dimWhite
                             maximumLineCount: 1
                             elide: Text.ElideRight
                         }
@@ -178,7 +180,7 @@ WidgetContainer {
                         symbol: "backward.fill"
                         symbolSize: 12
                         diameter: 32
-                        color: Qt.rgba(1, 1, 1, 0.08)
+                        color: Colors.hairline
                         onClicked: music.control("previous")
                     }
                     TransportButton {
@@ -194,7 +196,7 @@ WidgetContainer {
                         symbol: "forward.fill"
                         symbolSize: 12
                         diameter: 32
-                        color: Qt.rgba(1, 1, 1, 0.08)
+                        color: Colors.hairline
                         onClicked: music.control("next")
                     }
                 }
@@ -221,7 +223,7 @@ WidgetContainer {
                 objectName: "artwork"
                 anchors.fill: parent
                 visible: music.hasImage
-                image: music.image
+                image: music.image // qmllint disable type
                 radius: 14
             }
             DiagonalGradient {
@@ -236,7 +238,7 @@ WidgetContainer {
                     text: "🎵"
                     font.family: root.emojiFamily
                     font.pixelSize: 32
-                    color: "white"
+                    color: Colors.white
                     opacity: 0.7
                 }
             }
@@ -261,7 +263,7 @@ WidgetContainer {
             anchors.centerIn: parent
             name: button.symbol
             size: button.symbolSize
-            color: "white"
+            color: Colors.white
         }
         MouseArea {
             objectName: "pressArea"
@@ -269,4 +271,5 @@ WidgetContainer {
             onClicked: button.clicked()
         }
     }
+    // qmllint enable unqualified
 }

@@ -7,7 +7,6 @@ import Ombrix.WidgetViews
 // The weather: city, emoji, temperature and description, with four forecast rows at medium size.
 WidgetContainer {
     id: root
-    readonly property color dimWhite: Qt.rgba(1, 1, 1, 0.55)
     readonly property string emojiFamily: "Noto Color Emoji"
     readonly property bool isMedium: Settings.weatherSize === "medium"
     readonly property bool onScreen: root.visible && root.Window.window !== null && root.Window.window.visible
@@ -53,7 +52,7 @@ WidgetContainer {
                     height: 8
                     radius: 1.25
                     antialiasing: true
-                    color: "white"
+                    color: Colors.white
                     opacity: 1 - spoke.index * 0.07
                     transform: Rotation {
                         origin.x: 1.25
@@ -75,7 +74,7 @@ WidgetContainer {
             text: "AGGIORNAMENTO…"
             font.pixelSize: 10
             font.bold: true
-            color: root.dimWhite
+            color: Colors.dimWhite
         }
     }
 
@@ -96,7 +95,7 @@ WidgetContainer {
             text: "ERRORE DI RETE"
             font.pixelSize: 10
             font.bold: true
-            color: root.dimWhite
+            color: Colors.dimWhite
         }
     }
 
@@ -113,27 +112,33 @@ WidgetContainer {
             Layout.alignment: Qt.AlignLeft | Qt.AlignVCenter
             spacing: 0
 
-            RowLayout {
+            // Anchored, not a nested RowLayout: a nested layout is arranged again only when its
+            // own size changes, so the emoji box, still empty when the row was first arranged at
+            // its final width, stayed 0 wide at the right edge and the emoji was drawn past it.
+            Item {
                 Layout.fillWidth: true
                 Layout.alignment: Qt.AlignTop
-                spacing: 12
+                implicitHeight: Math.max(city.implicitHeight, emojiBox.height)
 
                 Text {
+                    id: city
                     objectName: "city"
-                    Layout.fillWidth: true
-                    Layout.alignment: Qt.AlignTop
+                    anchors.left: parent.left
+                    anchors.right: emojiBox.left
+                    anchors.rightMargin: 12
                     text: weather.cityName
                     textFormat: Text.PlainText
                     font.pixelSize: 15
                     font.weight: Font.DemiBold
-                    color: "white"
+                    color: Colors.white
                     maximumLineCount: 1
                     elide: Text.ElideRight
                 }
                 Item {
-                    Layout.alignment: Qt.AlignTop
-                    implicitWidth: emoji.implicitWidth
-                    implicitHeight: emoji.implicitHeight
+                    id: emojiBox
+                    anchors.right: parent.right
+                    width: Math.ceil(emoji.implicitWidth)
+                    height: Math.ceil(emoji.implicitHeight)
 
                     EmojiShadow {
                         x: -radius
@@ -142,7 +147,7 @@ WidgetContainer {
                         height: emoji.height + 2 * radius
                         text: emoji.text
                         font: emoji.font
-                        color: Qt.rgba(0, 0, 0, 0.3)
+                        color: Colors.emojiShadow
                         radius: 6
                     }
                     Text {
@@ -165,7 +170,7 @@ WidgetContainer {
                     font.pixelSize: root.isMedium ? 50 : 58
                     font.weight: Font.Thin
                     font.letterSpacing: -3.5
-                    color: "white"
+                    color: Colors.white
                 }
                 ColumnLayout {
                     spacing: 1
@@ -175,7 +180,7 @@ WidgetContainer {
                         text: weather.weatherDescription
                         size: 12.5
                         weight: Font.Medium
-                        color: "white"
+                        color: Colors.white
                     }
                     Text {
                         objectName: "highLow"
@@ -183,7 +188,7 @@ WidgetContainer {
                         text: weather.highLowText
                         font.pixelSize: 12
                         font.weight: Font.Medium
-                        color: root.dimWhite
+                        color: Colors.dimWhite
                     }
                 }
             }
@@ -198,7 +203,7 @@ WidgetContainer {
             Layout.bottomMargin: 4
             Layout.leftMargin: 16
             Layout.rightMargin: 16
-            color: Qt.rgba(1, 1, 1, 0.08)
+            color: Colors.hairline
         }
 
         ColumnLayout {
@@ -222,11 +227,11 @@ WidgetContainer {
                         text: row.modelData.dayName
                         font.pixelSize: 12
                         font.weight: Font.Medium
-                        color: root.dimWhite
+                        color: Colors.dimWhite
                     }
                     Text {
                         text: row.modelData.emoji
-                        font.family: root.emojiFamily
+                        font.family: root.emojiFamily // qmllint disable unqualified
                         font.pixelSize: 16
                     }
                     Item { Layout.fillWidth: true }
@@ -234,12 +239,12 @@ WidgetContainer {
                         text: row.modelData.maxText
                         font.pixelSize: 12
                         font.weight: Font.DemiBold
-                        color: "white"
+                        color: Colors.white
                     }
                     Text {
                         text: row.modelData.minText
                         font.pixelSize: 12
-                        color: Qt.rgba(1, 1, 1, 0.35)
+                        color: Colors.faint
                     }
                 }
             }

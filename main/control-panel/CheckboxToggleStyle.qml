@@ -7,7 +7,7 @@ Row {
     property string label
     property bool checked
     property alias font: labelText.font
-    property color labelColor: Qt.rgba(1, 1, 1, 0.75)
+    property color labelColor: Colors.checkboxLabel
     signal toggled(bool value)
     spacing: 6
 
@@ -16,7 +16,7 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
         name: root.checked ? "checkmark.square.fill" : "square"
         size: 14
-        color: root.checked ? Qt.rgba(0, 122 / 255, 1, 1) : Qt.rgba(1, 1, 1, 0.3)
+        color: root.checked ? Colors.accentBlue : Colors.uncheckedBox
         TapHandler { onTapped: root.toggled(!root.checked) }
     }
     Text {

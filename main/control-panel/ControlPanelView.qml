@@ -10,8 +10,6 @@ import Ombrix.ControlPanel
 Item {
     id: root
     property ControlPanelModel model: ControlPanelModel {}
-    readonly property color accentBlue: Qt.rgba(0, 122 / 255, 1, 1)
-    readonly property color indigo: Qt.rgba(88 / 255, 86 / 255, 214 / 255, 1)
     width: 420
     height: 600
 
@@ -37,18 +35,18 @@ Item {
             Item {
                 objectName: "logo"
                 width: 42; height: 42
-                DiagonalGradient { anchors.fill: parent; radius: 8; startColor: root.accentBlue; endColor: root.indigo }
+                DiagonalGradient { anchors.fill: parent; radius: 8; startColor: Colors.accentBlue; endColor: Colors.indigo }
                 Rectangle {
                     anchors.centerIn: parent
                     width: 22; height: 22; radius: 11
-                    color: "transparent"; border.color: "white"; border.width: 2
+                    color: "transparent"; border.color: Colors.white; border.width: 2
                 }
-                Rectangle { anchors.centerIn: parent; width: 4; height: 4; radius: 2; color: "white" }
+                Rectangle { anchors.centerIn: parent; width: 4; height: 4; radius: 2; color: Colors.white }
             }
             ColumnLayout {
                 spacing: 2
-                Text { text: "OmbrixWidget"; font.pixelSize: 20; font.bold: true; color: "white" }
-                Text { text: "Widget premium per macOS"; font.pixelSize: 12; color: Qt.rgba(1, 1, 1, 0.55) }
+                Text { text: "OmbrixWidget"; font.pixelSize: 20; font.bold: true; color: Colors.white }
+                Text { text: "Widget premium per macOS"; font.pixelSize: 12; color: Colors.dimWhite }
             }
             Item { Layout.fillWidth: true }
         }
@@ -66,21 +64,21 @@ Item {
                     implicitWidth: tabText.implicitWidth + 32
                     implicitHeight: tabText.implicitHeight + 12
                     radius: 6
-                    color: root.model.activeTab === modelData.value ? Qt.rgba(1, 1, 1, 0.12) : "transparent"
+                    color: root.model.activeTab === modelData.value ? Colors.selection : "transparent" // qmllint disable unqualified
                     Text {
                         id: tabText
                         anchors.centerIn: parent
                         text: parent.modelData.text
                         font.pixelSize: 13; font.weight: Font.DemiBold
-                        color: "white"
+                        color: Colors.white
                     }
-                    TapHandler { onTapped: root.model.activeTab = parent.modelData.value }
+                    TapHandler { onTapped: root.model.activeTab = parent.modelData.value } // qmllint disable unqualified
                 }
             }
             Item { Layout.fillWidth: true }
         }
 
-        Rectangle { Layout.fillWidth: true; implicitHeight: 1; color: Qt.rgba(1, 1, 1, 0.08) }
+        Rectangle { Layout.fillWidth: true; implicitHeight: 1; color: Colors.hairline }
 
         Flickable {
             id: scroller
@@ -121,8 +119,8 @@ Item {
         x: 10; y: 8
         spacing: 8
         Repeater {
-            model: [{ symbol: "xmark", tint: Qt.rgba(1, 95 / 255, 87 / 255, 1), action: "close" },
-                    { symbol: "minus", tint: Qt.rgba(1, 189 / 255, 46 / 255, 1), action: "minimize" }]
+            model: [{ symbol: "xmark", tint: Colors.closeRed, action: "close" },
+                    { symbol: "minus", tint: Colors.minimizeYellow, action: "minimize" }]
             Rectangle {
                 required property var modelData
                 objectName: "window-" + modelData.action
@@ -133,7 +131,7 @@ Item {
                     visible: hover.hovered
                     name: parent.modelData.symbol
                     size: 8
-                    color: Qt.rgba(0, 0, 0, 0.6)
+                    color: Colors.windowButtonSymbol
                 }
                 HoverHandler { id: hover }
                 TapHandler {

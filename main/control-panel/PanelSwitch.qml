@@ -1,4 +1,5 @@
 import QtQuick
+import Ombrix.WidgetViews
 
 // A switch in the panel's accent blue. It reports the user's flip through `toggled` and shows
 // whatever `checked` is bound to, so the store stays the one source of truth.
@@ -12,12 +13,12 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: height / 2
-        color: root.checked ? Qt.rgba(0, 122 / 255, 1, 1) : Qt.rgba(1, 1, 1, 0.18)
+        color: root.checked ? Colors.accentBlue : Colors.switchOff
         Rectangle {
             width: parent.height - 4; height: width; radius: width / 2
             y: 2
             x: root.checked ? parent.width - width - 2 : 2
-            color: "white"
+            color: Colors.white
             Behavior on x { NumberAnimation { duration: 120; easing.type: Easing.InOutQuad } }
         }
     }

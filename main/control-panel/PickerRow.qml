@@ -17,7 +17,7 @@ RowLayout {
         objectName: "label"
         text: root.label
         size: 12.5
-        color: Qt.rgba(1, 1, 1, 0.8)
+        color: Colors.label
     }
     Item { Layout.fillWidth: true }
     ComboBox {
@@ -40,7 +40,7 @@ RowLayout {
             objectName: "pickerText"
             text: combo.currentIndex >= 0 ? combo.displayText : ""
             font: combo.font
-            color: "white"
+            color: Colors.white
             verticalAlignment: Text.AlignVCenter
             elide: Text.ElideRight
         }
@@ -49,35 +49,36 @@ RowLayout {
             anchors.verticalCenter: parent.verticalCenter
             text: "⌃"
             rotation: 180
-            color: Qt.rgba(1, 1, 1, 0.6)
+            color: Colors.muted
             font.pixelSize: 10
         }
         background: Rectangle {
             radius: 6
-            color: Qt.rgba(1, 1, 1, 0.1)
-            border.color: Qt.rgba(1, 1, 1, 0.08)
+            color: Colors.fieldFill
+            border.color: Colors.hairline
         }
         delegate: ItemDelegate {
+            id: option
             required property var modelData
             required property int index
-            width: combo.width
+            width: combo.width // qmllint disable unqualified
             height: 26
-            highlighted: combo.highlightedIndex === index
+            highlighted: combo.highlightedIndex === index // qmllint disable unqualified
             contentItem: Text {
-                text: modelData.text
-                color: "white"
+                text: option.modelData.text
+                color: Colors.white
                 font.pixelSize: 12
                 verticalAlignment: Text.AlignVCenter
             }
             background: Rectangle {
                 radius: 4
-                color: parent.highlighted ? Qt.rgba(0, 122 / 255, 1, 1) : "transparent"
+                color: option.highlighted ? Colors.accentBlue : "transparent"
             }
         }
         popup.background: Rectangle {
             radius: 6
-            color: Qt.rgba(40 / 255, 40 / 255, 44 / 255, 0.98)
-            border.color: Qt.rgba(1, 1, 1, 0.12)
+            color: Colors.popupFill
+            border.color: Colors.selection
         }
     }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import Ombrix.WidgetViews
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Ombrix.Settings
@@ -12,14 +13,14 @@ ColumnLayout {
 
     component Heading: Text {
         font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5
-        color: Qt.rgba(1, 1, 1, 0.4)
+        color: Colors.caption
     }
     component Box: Rectangle {
         default property alias content: boxColumn.data
         Layout.fillWidth: true
         implicitHeight: boxColumn.implicitHeight + 28
         radius: 12
-        color: Qt.rgba(1, 1, 1, 0.04)
+        color: Colors.cardFill
         ColumnLayout {
             id: boxColumn
             x: 14; y: 14
@@ -31,9 +32,9 @@ ColumnLayout {
         property string label
         property string value
         Layout.fillWidth: true
-        Text { text: parent.label; font.pixelSize: 13; color: Qt.rgba(1, 1, 1, 0.55) }
+        Text { text: parent.label; font.pixelSize: 13; color: Colors.dimWhite }
         Item { Layout.fillWidth: true }
-        Text { text: parent.value; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
+        Text { text: parent.value; font.pixelSize: 13; font.weight: Font.Medium; color: Colors.white }
     }
 
     Heading { text: "Aspetto" }
@@ -56,8 +57,8 @@ ColumnLayout {
             Layout.fillWidth: true
             ColumnLayout {
                 spacing: 2
-                Text { text: "Avvia all'accesso"; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
-                Text { text: "Riapre i widget quando accedi"; font.pixelSize: 11; color: Qt.rgba(1, 1, 1, 0.4) }
+                Text { text: "Avvia all'accesso"; font.pixelSize: 13; font.weight: Font.Medium; color: Colors.white }
+                Text { text: "Riapre i widget quando accedi"; font.pixelSize: 11; color: Colors.caption }
             }
             Item { Layout.fillWidth: true }
             PanelSwitch {
@@ -74,8 +75,8 @@ ColumnLayout {
             Layout.fillWidth: true
             ColumnLayout {
                 spacing: 2
-                Text { text: "Posizione automatica (via IP)"; font.pixelSize: 13; font.weight: Font.Medium; color: "white" }
-                Text { text: "Rileva la tua città dall'indirizzo IP"; font.pixelSize: 11; color: Qt.rgba(1, 1, 1, 0.4) }
+                Text { text: "Posizione automatica (via IP)"; font.pixelSize: 13; font.weight: Font.Medium; color: Colors.white }
+                Text { text: "Rileva la tua città dall'indirizzo IP"; font.pixelSize: 11; color: Colors.caption }
             }
             Item { Layout.fillWidth: true }
             PanelSwitch {
@@ -89,13 +90,13 @@ ColumnLayout {
             visible: !tab.model.weatherAutoMode
             Layout.fillWidth: true
             implicitHeight: city.implicitHeight + 10
-            EdgeBorder { anchors.fill: parent; borderWidth: 1; edges: EdgeBorder.Top }
+            Rectangle { width: parent.width; height: 1; color: Colors.hairline } // the top rule
             ColumnLayout {
                 id: city
                 y: 10
                 width: parent.width
                 spacing: 8
-                Text { text: "Città"; font.pixelSize: 11; font.weight: Font.DemiBold; color: Qt.rgba(1, 1, 1, 0.55) }
+                Text { text: "Città"; font.pixelSize: 11; font.weight: Font.DemiBold; color: Colors.dimWhite }
                 RowLayout {
                     Layout.fillWidth: true
                     spacing: 8
@@ -105,11 +106,11 @@ ColumnLayout {
                         text: tab.model.manualCity
                         onTextEdited: tab.model.manualCity = text
                         placeholderText: "es. Milano, Roma, Napoli"
-                        placeholderTextColor: Qt.rgba(1, 1, 1, 0.35)
-                        color: "white"
+                        placeholderTextColor: Colors.faint
+                        color: Colors.white
                         font.pixelSize: 13
                         topPadding: 6; bottomPadding: 6; leftPadding: 10; rightPadding: 10
-                        background: Rectangle { radius: 6; color: Qt.rgba(1, 1, 1, 0.08) }
+                        background: Rectangle { radius: 6; color: Colors.hairline }
                     }
                     Rectangle {
                         objectName: "saveButton"
@@ -117,7 +118,7 @@ ColumnLayout {
                         implicitWidth: saveLabel.implicitWidth + 28
                         implicitHeight: saveLabel.implicitHeight + 12
                         radius: 6
-                        color: Qt.rgba(0, 122 / 255, 1, 1)
+                        color: Colors.accentBlue
                         opacity: busy ? 0.6 : 1
                         Text {
                             id: saveLabel
@@ -125,7 +126,7 @@ ColumnLayout {
                             anchors.centerIn: parent
                             text: parent.busy ? "..." : "Salva"
                             font.pixelSize: 12; font.bold: true
-                            color: "white"
+                            color: Colors.white
                         }
                         TapHandler {
                             enabled: !parent.busy

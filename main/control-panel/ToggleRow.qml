@@ -13,7 +13,7 @@ RowLayout {
         objectName: "label"
         text: root.label
         size: 12.5
-        color: Qt.rgba(1, 1, 1, 0.8)
+        color: Colors.label
     }
     Item { Layout.fillWidth: true }
     PanelSwitch {

@@ -15,7 +15,7 @@ Rectangle {
     Layout.fillWidth: true
     implicitHeight: column.implicitHeight
     radius: 12
-    color: Qt.rgba(1, 1, 1, 0.04)
+    color: Colors.cardFill
     clip: true
 
     // The outline lies over everything the card holds.
@@ -24,7 +24,7 @@ Rectangle {
         z: 1
         radius: card.radius
         color: "transparent"
-        border.color: Qt.rgba(1, 1, 1, 0.04)
+        border.color: Colors.cardFill
         border.width: 1
     }
 
@@ -39,18 +39,18 @@ Rectangle {
             spacing: 12
             Rectangle {
                 width: 38; height: 38; radius: 8
-                color: Qt.rgba(1, 1, 1, 0.08)
+                color: Colors.hairline
                 Symbol {
                     anchors.centerIn: parent
                     name: card.icon
                     size: 18
-                    color: card.enabled ? Qt.rgba(0, 122 / 255, 1, 1) : Qt.rgba(1, 1, 1, 0.6)
+                    color: card.enabled ? Colors.accentBlue : Colors.muted
                 }
             }
             ColumnLayout {
                 spacing: 2
-                Text { text: card.title; font.pixelSize: 14; font.weight: Font.DemiBold; color: "white" }
-                Text { text: card.description; font.pixelSize: 12; color: Qt.rgba(1, 1, 1, 0.45) }
+                Text { text: card.title; font.pixelSize: 14; font.weight: Font.DemiBold; color: Colors.white }
+                Text { text: card.description; font.pixelSize: 12; color: Colors.subtitle }
             }
             Item { Layout.fillWidth: true }
             PanelSwitch {
@@ -70,7 +70,7 @@ Rectangle {
             Rectangle {
                 width: parent.width
                 height: parent.height - card.radius
-                color: Qt.rgba(0, 0, 0, 0.1)
+                color: Colors.buttonShade
             }
             Item {
                 y: parent.height - card.radius
@@ -82,7 +82,7 @@ Rectangle {
                     width: parent.width
                     height: 2 * card.radius
                     radius: card.radius
-                    color: Qt.rgba(0, 0, 0, 0.1)
+                    color: Colors.buttonShade
                 }
             }
             ColumnLayout {

@@ -1,4 +1,5 @@
 import QtQuick
+import Ombrix.WidgetViews
 import QtQuick.Layouts
 import Ombrix.Settings
 import Ombrix.ControlPanel
@@ -14,7 +15,7 @@ ColumnLayout {
     Text {
         text: "Attiva e gestisci i tuoi widget"
         font.pixelSize: 11; font.bold: true; font.letterSpacing: 0.5
-        color: Qt.rgba(1, 1, 1, 0.4)
+        color: Colors.caption
     }
 
     WidgetCard {
@@ -74,7 +75,7 @@ ColumnLayout {
         Item {
             Layout.fillWidth: true
             implicitHeight: devices.implicitHeight + 6
-            EdgeBorder { anchors.fill: parent; borderWidth: 1; edges: EdgeBorder.Top }
+            Rectangle { width: parent.width; height: 1; color: Colors.hairline } // the top rule
             ColumnLayout {
                 id: devices
                 y: 6
@@ -84,7 +85,7 @@ ColumnLayout {
                     Layout.topMargin: 4
                     text: "Mostra dispositivi:"
                     font.pixelSize: 11; font.weight: Font.DemiBold
-                    color: Qt.rgba(1, 1, 1, 0.4)
+                    color: Colors.caption
                 }
                 GridLayout {
                     Layout.fillWidth: true

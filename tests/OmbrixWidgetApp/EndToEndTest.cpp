@@ -1,9 +1,8 @@
 // The running app on a display of its own: a scenario per widget plus the panel and snapping. They
 // prove the wiring from outside (screen, settings, servers, players); the rules are tested below.
 #include "BatteryTextSource.h"
-#include "ColorMatch.h"
 #include "FakePowerSupplyTree.h"
-#include "HueChecks.h"
+#include "PixelChecks.h"
 #include "PrivateBus.h"
 #include "ReplayProcess.h"
 #include "UPowerMock.h"

@@ -1,54 +1,80 @@
 #pragma once
-// Pixel predicates for screenshots: what counts as colour (emoji) and as white (text, spokes);
-// the ink of a glyph and the size of a line of text.
+// Kinds of pixel in screenshots (colour, white, a system hue, one known colour), counted in a rectangle.
 #include <QColor>
-#include <QFont>
-#include <QFontMetricsF>
 #include <QImage>
+#include <QList>
 #include <QRect>
 #include <algorithm>
+#include <cstdlib>
 
-inline bool coloured(const QColor& c)
-{
-    const int spread = std::max({c.red(), c.green(), c.blue()}) - std::min({c.red(), c.green(), c.blue()});
-    return c.alpha() > 150 && spread > 60;
-}
-
-inline bool bright(const QColor& c)
-{
-    return c.alpha() > 150 && c.red() > 200 && c.green() > 200 && c.blue() > 200;
-}
-
-inline int countPixels(const QImage& img, const QRect& r, bool (*test)(const QColor&))
+template <typename Kind> int countPixels(const QImage& img, const QRect& r, Kind kind)
 {
     int n = 0;
     const QRect inside = r & img.rect();
     for (int y = inside.top(); y <= inside.bottom(); ++y)
         for (int x = inside.left(); x <= inside.right(); ++x)
-            n += test(img.pixelColor(x, y)) ? 1 : 0;
+            n += kind(img.pixelColor(x, y)) ? 1 : 0;
     return n;
 }
 
-// The bounding box of the pixels inside `r` that pass `test`.
-inline QRect boundsOf(const QImage& img, const QRect& r, bool (*test)(const QColor&))
+// Emoji and painted states are vivid; text and strokes white.
+inline bool coloured(const QColor& c)
 {
-    QRect bounds;
-    const QRect inside = r & img.rect();
-    for (int y = inside.top(); y <= inside.bottom(); ++y)
-        for (int x = inside.left(); x <= inside.right(); ++x)
-            if (test(img.pixelColor(x, y)))
-                bounds |= QRect(x, y, 1, 1);
-    return bounds;
+    return c.alpha() > 150 && std::max({c.red(), c.green(), c.blue()}) - std::min({c.red(), c.green(), c.blue()}) > 60;
+}
+inline bool bright(const QColor& c)
+{
+    return c.alpha() > 150 && std::min({c.red(), c.green(), c.blue()}) > 200;
 }
 
-// Where `width`, a text item's laid-out width, stands between the widths of its `text` in `font` at
-// `px` and `px` + 1 whole pixels (with `spacing` between letters): 0 at the first, 1 at the second.
-// Text at 12.5 stands half way; text rounded to 12 or 13 doesn't.
-inline double betweenWholeSizes(QFont font, int px, const QString& text, double width, double spacing = 0)
+inline bool nearColor(const QColor& a, const QColor& b, int tolerance = 12)
 {
-    font.setLetterSpacing(QFont::AbsoluteSpacing, spacing);
-    font.setPixelSize(px);
-    const double low = QFontMetricsF(font).horizontalAdvance(text);
-    font.setPixelSize(px + 1);
-    return (width - low) / (QFontMetricsF(font).horizontalAdvance(text) - low);
+    return std::max({std::abs(a.red() - b.red()), std::abs(a.green() - b.green()), std::abs(a.blue() - b.blue())}) <=
+           tolerance;
+}
+inline auto opaqueNear(const QColor& c, int tolerance = 30)
+{
+    return [c, tolerance](const QColor& p) { return p.alpha() > 200 && nearColor(p, c, tolerance); };
+}
+inline int countNear(const QImage& img, const QRect& r, const QColor& c, int tolerance = 30)
+{
+    return countPixels(img, r, opaqueNear(c, tolerance));
+}
+
+// The system colours told apart by hue; under `minSaturation` (0..255) a colour is grey glass.
+enum class Hue { None, Red, Orange, Yellow, Green };
+inline Hue hueOf(const QColor& c, int minSaturation = 90)
+{
+    const int h = c.hsvHue();
+    if (c.alpha() < 20 || c.hsvSaturation() < minSaturation)
+        return Hue::None;
+    const Hue hues[] = {Hue::Red, Hue::Orange, Hue::Yellow, Hue::None, Hue::Green, Hue::None, Hue::Red};
+    const int below[] = {15, 42, 62, 101, 160, 346, 361}; // degrees where each hue ends
+    return hues[std::upper_bound(below, below + 7, h) - below];
+}
+// Drawn in a system colour itself, not glass tinted by a glow: opaque, bright and vivid.
+inline auto painted(Hue hue)
+{
+    return [hue](const QColor& c) { return c.alpha() > 200 && c.value() > 150 && hueOf(c, 150) == hue; };
+}
+inline int countPaint(const QImage& img, const QRect& r, Hue hue)
+{
+    return countPixels(img, r, painted(hue));
+}
+
+// Red and green paint from left to right in a band of rows: one entry per run of columns holding
+// such paint (runs more than `gap` apart are two), in the run's main colour.
+inline QList<Hue> paintRuns(const QImage& img, int top, int bottom, int gap = 8)
+{
+    QList<Hue> hues;
+    int lastX = -1, balance = 0; // red minus green pixels of the current run
+    for (int x = 0; x <= img.width(); ++x) {
+        const QRect column(x, top, 1, bottom - top + 1);
+        const int red = countPaint(img, column, Hue::Red), green = countPaint(img, column, Hue::Green);
+        if (lastX >= 0 && (x == img.width() || (red + green > 0 && x - lastX > gap)))
+            hues.append(balance > 0 ? Hue::Red : Hue::Green), balance = 0;
+        if (red + green > 0)
+            balance += red - green, lastX = x;
+    }
+    return hues;
 }

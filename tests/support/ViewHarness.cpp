@@ -5,99 +5,88 @@
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQuickItemGrabResult>
-#include <QSurfaceFormat>
-#include <QTest>
 
-namespace {
-
-// Views are looked at on their own, not over a desktop: a window over the whole screen stands where
-// a file manager's desktop window would, so the glass finds no wallpaper to frost.
-void coverDesktop()
+ViewHarness::ViewHarness(const QString& url, int width, int height)
 {
-    static QWindow* cover = [] {
+    // A window over the whole screen stands where a file manager's desktop would, so the glass finds
+    // no wallpaper to frost: views are looked at on their own.
+    [[maybe_unused]] static const bool covered = [] {
         auto* w = new QWindow();
         w->setFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint | Qt::WindowDoesNotAcceptFocus);
         w->setGeometry(QGuiApplication::primaryScreen()->geometry());
         w->show();
-        XSession::waitFor([w] { return w->isExposed(); }, 5000);
-        return w;
+        return XSession::waitFor([w] { return w->isExposed(); }, 5000);
     }();
-    Q_UNUSED(cover);
-}
-
-} // namespace
-
-ViewHarness::ViewHarness(const QString& url, int width, int height)
-{
-    coverDesktop();
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    m_window = std::make_unique<QQuickWindow>();
-    m_window->setFlags(Qt::FramelessWindowHint | Qt::Tool);
-    QSurfaceFormat fmt = m_window->format();
-    fmt.setAlphaBufferSize(8);
-    m_window->setFormat(fmt);
-    m_window->setColor(Qt::transparent);
-    m_window->resize(width, height);
-    m_engine.addImportPath("qrc:/");
-    QQmlComponent component(&m_engine, QUrl(url));
-    m_root = qobject_cast<QQuickItem*>(component.create());
-    if (!m_root) {
-        m_errors = component.errorString();
+    window = std::make_unique<QQuickWindow>();
+    window->setFlags(Qt::FramelessWindowHint | Qt::Tool);
+    window->setColor(Qt::transparent);
+    window->resize(width, height);
+    engine.addImportPath("qrc:/");
+    QQmlComponent component(&engine, QUrl(url));
+    root = qobject_cast<QQuickItem*>(component.create());
+    errors = component.errorString();
+    if (!root)
         return;
-    }
-    m_root->setParentItem(m_window->contentItem());
-    m_root->setParent(m_window.get());
-    m_root->setSize(QSizeF(width, height));
-    m_window->show();
-    XSession::waitFor([this] { return m_window->isExposed(); }, 5000);
-}
-
-ViewHarness::~ViewHarness() = default;
-
-void ViewHarness::resize(int width, int height)
-{
-    m_window->resize(width, height);
-    if (m_root)
-        m_root->setSize(QSizeF(width, height));
+    root->setParentItem(window->contentItem());
+    root->setParent(window.get());
+    root->setSize(QSizeF(width, height));
+    window->show();
+    XSession::waitFor([this] { return window->isExposed(); }, 5000);
 }
 
 QImage ViewHarness::grab()
 {
-    for (int i = 0; i < 5; ++i)
-        QTest::qWait(20);
-    // The item's own layer keeps alpha, which a window's backing store may not.
-    if (!m_root)
-        return {};
-    auto result = m_root->grabToImage();
-    if (!result)
-        return {};
+    auto result = root ? root->grabToImage() : nullptr;
     bool ready = false;
-    QObject::connect(result.data(), &QQuickItemGrabResult::ready, [&ready] { ready = true; });
-    XSession::waitFor([&ready] { return ready; }, 5000);
-    return result->image().convertToFormat(QImage::Format_ARGB32);
+    if (result)
+        QObject::connect(result.data(), &QQuickItemGrabResult::ready, [&ready] { ready = true; });
+    return XSession::waitFor([&ready] { return ready; }, 5000) ? result->image().convertToFormat(QImage::Format_ARGB32)
+                                                               : QImage();
 }
 
-double brightness(const QImage& img, const QRect& r)
+QQuickItem* ViewHarness::find(QQuickItem* from, const QString& objectName)
 {
-    double sum = 0;
-    int n = 0;
-    for (int y = r.top(); y <= r.bottom(); ++y)
-        for (int x = r.left(); x <= r.right(); ++x) {
-            const QColor c = img.pixelColor(x, y);
-            sum += (c.red() + c.green() + c.blue()) / 3.0 * c.alphaF();
-            ++n;
-        }
-    return n ? sum / n : 0;
-}
-
-QQuickItem* findItem(QQuickItem* from, const QString& objectName)
-{
-    if (!from)
-        return nullptr;
-    if (from->objectName() == objectName)
+    if (!from || from->objectName() == objectName)
         return from;
     for (QQuickItem* child : from->childItems())
-        if (QQuickItem* found = findItem(child, objectName))
+        if (QQuickItem* found = find(child, objectName))
             return found;
     return nullptr;
+}
+
+namespace {
+
+void drawnItems(QQuickItem* item, QRectF shown, QList<QPair<QQuickItem*, QRectF>>& out)
+{
+    if (!item->isVisible() || item->opacity() == 0)
+        return;
+    const QRectF box = item->mapRectToScene(item->boundingRect());
+    shown &= item->clip() ? box : shown;
+    const bool text = item->inherits("QQuickText") && !item->property("text").toString().isEmpty();
+    if ((text || item->inherits("Symbol")) && shown.adjusted(-1, -1, 1, 1).contains(box)) // drawn whole
+        out.append({item, box});
+    for (QQuickItem* child : item->childItems())
+        drawnItems(child, shown, out);
+}
+
+} // namespace
+
+std::string ViewHarness::misplaced(const QRectF& content) const
+{
+    QList<QPair<QQuickItem*, QRectF>> drawn;
+    QStringList faults;
+    drawnItems(root, root->mapRectToScene(root->boundingRect()), drawn);
+    const auto name = [&](int k) { return drawn[k].first->objectName() + drawn[k].first->property("text").toString(); };
+    for (int i = 0; i < drawn.size(); ++i) {
+        if (!content.adjusted(-2, -2, 2, 2).contains(drawn[i].second))
+            faults << name(i) + " cut";
+        for (int j = 0; j < i; ++j) { // a symbol may badge another, nothing may cover a text
+            const QRectF both = drawn[i].second & drawn[j].second;
+            const bool texts = !drawn[i].first->inherits("Symbol") || !drawn[j].first->inherits("Symbol");
+            if (texts && both.width() * both.height() > 4)
+                faults << name(i) + " over " + name(j);
+        }
+    }
+    return faults.join("; ").toStdString();
 }

@@ -1,38 +1,24 @@
 #pragma once
-// Shows one QML view in a real window of a given size and grabs what it draws.
-#include <QImage>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <memory>
+#include <string>
 
-QQuickItem* findItem(QQuickItem* from, const QString& objectName);
-
-class ViewHarness {
-  public:
-    // Loads qrc:/Ombrix/<module>/<file> into a transparent frameless window of width x height.
+// Shows qrc:/Ombrix/<module>/<file> in a transparent frameless window of width x height and grabs what
+// it draws; `root` is null, and `errors` says why, when the file does not load.
+struct ViewHarness {
     ViewHarness(const QString& url, int width, int height);
-    ~ViewHarness();
-
-    QQuickItem* root() const { return m_root; }
-    QQuickWindow* window() const { return m_window.get(); }
-    QString errors() const { return m_errors; }
-    void resize(int width, int height);
-
-    // Lets bindings and painting settle, then grabs the window's own pixels.
     QImage grab();
+    // Texts and symbols drawn past the edge of `content` (window pixels) or over one another; what a
+    // clipping item hides (a closed card, a scrolled list) is not drawn.
+    std::string misplaced(const QRectF& content) const;
     // By object name through the item tree (Repeater delegates are not QObject children).
-    template <typename T> T* find(const QString& objectName) const
-    {
-        return qobject_cast<T*>(findItem(m_root, objectName));
-    }
+    static QQuickItem* find(QQuickItem* from, const QString& objectName);
+    QQuickItem* find(const QString& objectName) const { return find(root, objectName); }
 
-  private:
-    QQmlEngine m_engine;
-    std::unique_ptr<QQuickWindow> m_window;
-    QQuickItem* m_root = nullptr;
-    QString m_errors;
+    QQmlEngine engine;
+    std::unique_ptr<QQuickWindow> window;
+    QQuickItem* root = nullptr;
+    QString errors;
 };
-
-// Mean brightness (0..255) of the pixels of `img` inside `r`, composed over black.
-double brightness(const QImage& img, const QRect& r);
