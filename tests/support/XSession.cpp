@@ -60,13 +60,10 @@ XSession::XSession(XSessionOptions options)
     if (wm == "xfwm4")
         wmArgs = {"--compositor=off"};
     // On a loaded machine a manager now and then never gets going on a new display; another start does.
+    const auto managed = [&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); };
     for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
         startHelper(wm, wmArgs);
-        m_managed = waitFor(
-            [&] {
-                return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id");
-            },
-            15000);
+        m_managed = waitFor(managed, 15000);
         if (!m_managed)
             m_helpers.pop_back();
     }
