@@ -98,7 +98,6 @@ TEST_F(Registry, AMoveFromOutsideIsSnappedAndOnlyTheSnappedOriginIsStored)
         Position drop, snapped;
     };
     const Case cases[] = {
-        {"to the screen's left edge", "weather", {5, 300}, {0, 300}},
         {"left of the clock, far below it", "weather", {1075, 300}, {1080, 300}},
         {"under the clock, right edges 5 apart", "battery", {1245, 515}, {1250, 520}},
     };

@@ -91,13 +91,10 @@ TEST(Desktop, OneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
     // Closed with its own control, the same panel (still on its tab) comes back when the program is started again.
     x.click(panel() + QPoint(16, 14));
     ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
-    for (const QString& spelling : {x.display() + ".0", "unix" + x.display()}) {
-        SCOPED_TRACE(spelling.toStdString());
-        auto env = x.environment();
-        env.insert("DISPLAY", spelling);
-        EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
-        EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
-    }
+    auto env = x.environment();
+    env.insert("DISPLAY", x.display() + ".0"); // another spelling of the same display
+    EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
+    EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
     EXPECT_EQ(x.app()->state(), QProcess::Running);
     flipSwitch(false);
     EXPECT_TRUE(entryIs(false));
