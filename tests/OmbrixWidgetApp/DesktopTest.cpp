@@ -1,11 +1,7 @@
-// The program as the desktop meets it: its command line, one copy per display, the autostart entry,
-// the installed files, and the tray item on a StatusNotifier host.
-#include "PrivateBus.h"
+// The program as the desktop meets it: its command line, one copy per display, the autostart entry
+// and the installed files.
 #include "XSession.h"
 
-#include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusVariant>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -65,45 +61,26 @@ TEST(Desktop, CommandLineOptionsAndAMissingDisplayAnswerWithoutAWindow)
     }
 }
 
-TEST(Desktop, OneCopyPerDisplayWhateverItsSpellingAndAfterAKill)
-{
-    XSession x;
-    ASSERT_TRUE(x.ok() && x.startApp());
-    const QRect panel = x.geometryOf(x.waitForWindow(kPanel));
-    // Closed with its own control, the panel comes back when the program is started again.
-    x.click(panel.topLeft() + QPoint(16, 14));
-    ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
-    for (const QString& spelling : {x.display() + ".0", "unix" + x.display()}) {
-        SCOPED_TRACE(spelling.toStdString());
-        auto env = x.environment();
-        env.insert("DISPLAY", spelling);
-        EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
-        EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
-    }
-    EXPECT_EQ(x.app()->state(), QProcess::Running);
-    // Killed outright, a copy leaves its lock and socket behind; the next start still runs.
-    ::kill(pid_t(x.app()->processId()), SIGKILL);
-    ASSERT_TRUE(x.app()->waitForFinished(10000));
-    ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
-    ASSERT_TRUE(x.startApp());
-    EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
-    EXPECT_EQ(x.app()->state(), QProcess::Running);
-}
-
-TEST(Desktop, StartAtLoginWritesAnEntryThatStartsTheProgramAndTheSwitchRemovesIt)
+TEST(Desktop, OneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
 {
     XSession x;
     const QString entry = x.home() + "/.config/autostart/com.ombrixwidget.OmbrixWidget.desktop";
-    const auto flipSwitch = [&] {
-        const QPoint panel = x.geometryOf(x.waitForWindow(kPanel)).topLeft();
+    const auto panel = [&] { return x.geometryOf(x.waitForWindow(kPanel)).topLeft(); };
+    const auto flipSwitch = [&](bool toSettingsTab) {
+        const QPoint at = panel();
         const QImage before = x.grabScreen();
-        x.click(panel + QPoint(180, 95)); // the Settings tab
-        XSession::waitFor([&] { return x.grabScreen() != before; });
-        x.click(panel + QPoint(363, 325));
+        if (toSettingsTab) {
+            x.click(at + QPoint(180, 95));
+            XSession::waitFor([&] { return x.grabScreen() != before; });
+        }
+        x.click(at + QPoint(363, 325));
+    };
+    const auto entryIs = [&](bool present) {
+        return XSession::waitFor([&] { return QFile::exists(entry) == present; });
     };
     ASSERT_TRUE(x.ok() && x.startApp());
-    flipSwitch();
-    ASSERT_TRUE(XSession::waitFor([&] { return QFile::exists(entry); }));
+    flipSwitch(true);
+    ASSERT_TRUE(entryIs(true));
     QFile file(entry);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
@@ -111,14 +88,28 @@ TEST(Desktop, StartAtLoginWritesAnEntryThatStartsTheProgramAndTheSwitchRemovesIt
     for (const QString& line : {QString("[Desktop Entry]"), QString("Type=Application"), QString("Name=OmbrixWidget"),
                                 exec, QString("X-GNOME-Autostart-enabled=true")})
         EXPECT_TRUE(lines.contains(line)) << line.toStdString();
-    // Started the way the entry says, it comes up; its switch, read from the file, removes it.
-    x.stopApp();
+    // Closed with its own control, the same panel (still on its tab) comes back when the program is started again.
+    x.click(panel() + QPoint(16, 14));
+    ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
+    auto env = x.environment();
+    env.insert("DISPLAY", x.display() + ".0"); // another spelling of the same display
+    EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
+    EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
+    EXPECT_EQ(x.app()->state(), QProcess::Running);
+    flipSwitch(false);
+    EXPECT_TRUE(entryIs(false));
+    flipSwitch(false);
+    ASSERT_TRUE(entryIs(true));
+    // Killed outright, a copy leaves its lock and socket behind; started the way the entry says, the next
+    // one still runs, and its switch, read from the file, removes the entry.
+    ::kill(pid_t(x.app()->processId()), SIGKILL);
+    ASSERT_TRUE(x.app()->waitForFinished(10000));
     ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
     QProcess started;
     started.setProcessEnvironment(x.environment());
     started.start(exec.mid(5), {});
-    flipSwitch();
-    EXPECT_TRUE(XSession::waitFor([&] { return !QFile::exists(entry); }));
+    flipSwitch(true);
+    EXPECT_TRUE(entryIs(false));
     started.terminate();
     started.waitForFinished(10000);
 }
@@ -155,67 +146,3 @@ TEST(Desktop, InstalledFilesAreValidAndTheInstalledProgramRunsWithoutTheBuildFol
     app.terminate();
     app.waitForFinished(10000);
 }
-
-namespace {
-
-// The watcher side of the protocol: enough for an item to find a host and register.
-class Watcher : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hostRegistered)
-    Q_PROPERTY(int ProtocolVersion READ protocolVersion)
-
-  public:
-    bool hostRegistered() const { return true; }
-    int protocolVersion() const { return 0; }
-    QStringList items;
-
-  public slots:
-    void RegisterStatusNotifierItem(const QString& service, const QDBusMessage& message)
-    {
-        items << (service.startsWith('/') ? message.service() : service);
-    }
-};
-
-} // namespace
-
-TEST(Desktop, TheTrayItemRegistersWithAStatusNotifierHostWithItsColouredIcon)
-{
-    PrivateBus bus;
-    Watcher watcher;
-    ASSERT_TRUE(bus.isRunning());
-    ASSERT_TRUE(
-        bus.connection().registerObject("/StatusNotifierWatcher", &watcher, QDBusConnection::ExportAllContents));
-    ASSERT_TRUE(bus.connection().registerService("org.kde.StatusNotifierWatcher"));
-    XSession x;
-    QProcessEnvironment env;
-    env.insert("DBUS_SESSION_BUS_ADDRESS", bus.address());
-    ASSERT_TRUE(x.ok() && x.startApp(env));
-    ASSERT_TRUE(XSession::waitFor([&] { return !watcher.items.isEmpty(); }));
-    // The icon travels as ARGB pixmaps in network byte order: mostly our blue face, not white.
-    QDBusMessage get = QDBusMessage::createMethodCall(watcher.items.first(), "/StatusNotifierItem",
-                                                      "org.freedesktop.DBus.Properties", "Get");
-    get << "org.kde.StatusNotifierItem"
-        << "IconPixmap";
-    const QDBusMessage reply = bus.connection().call(get, QDBus::Block, 10000);
-    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
-    const auto pixmaps = reply.arguments().value(0).value<QDBusVariant>().variant().value<QDBusArgument>();
-    int blue = 0, white = 0, w = 0, h = 0;
-    QByteArray argb;
-    pixmaps.beginArray();
-    while (!pixmaps.atEnd()) {
-        pixmaps.beginStructure();
-        pixmaps >> w >> h >> argb;
-        pixmaps.endStructure();
-        for (qsizetype i = 0; i + 3 < argb.size(); i += 4) {
-            const QRgb px = qRgba(uchar(argb[i + 1]), uchar(argb[i + 2]), uchar(argb[i + 3]), uchar(argb[i]));
-            blue += qAlpha(px) == 255 && qBlue(px) > 200 && qRed(px) < 100;
-            white += px == qRgb(255, 255, 255);
-        }
-    }
-    pixmaps.endArray();
-    EXPECT_GT(blue, 2 * white);
-    EXPECT_GT(blue, 0);
-}
-
-#include "DesktopTest.moc"

@@ -57,9 +57,9 @@ TEST(AppEndToEnd, FourWidgetsOpenInPlaceTheClockTicksAndADragSnapsAndIsKept)
     EXPECT_TRUE(x.drag(clock, {1330, 60}, {84, 300}));
     EXPECT_TRUE(XSession::waitFor([&] {
         const auto s = x.storedPosition("clock");
-        return s && s->x == 0 && QPointF(s->x, s->y) == x.originOf(clock);
-    })) << x.originOf(clock).x();
-    const QPointF snapped = x.originOf(clock);
+        return s && s->x == 0 && *s == x.originOf(clock);
+    })) << x.originOf(clock).x;
+    const Position snapped = x.originOf(clock);
     x.stopApp();
     ASSERT_TRUE(x.startApp());
     EXPECT_TRUE(XSession::waitFor([&] { return x.originOf(x.widget("clock")) == snapped; }));
@@ -166,6 +166,10 @@ TEST(AppEndToEnd, ThePanelSwitchesAWidgetOnAndTheTrayQuits)
 {
     XSession x(XSessionOptions{.tray = true});
     ASSERT_TRUE(x.ok() && x.startApp());
+    // Our icon docks at the tray's right end: mostly its blue face.
+    EXPECT_TRUE(XSession::waitFor([&] {
+        return countNear(x.grabScreen(), {1404, 0, 36, 24}, QColor(44, 104, 234), 50) > 60;
+    }));
     EXPECT_EQ(panelAt(x), QPoint(510, 150));
     x.click({873, 363}); // the clock card's switch
     EXPECT_EQ(x.geometryOf(x.widget("clock")), QRect(1250, 40, 170, 170));

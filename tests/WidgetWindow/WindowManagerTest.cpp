@@ -1,8 +1,11 @@
-// A widget among ordinary windows on each window manager the app is used with: it stays below, never
-// takes the focus, is on every desktop, skips taskbar and pager, and stores where it is dragged.
+// A widget on each window manager the app is used with, with and without a compositor, seen from
+// outside: frosted glass over the wallpaper that follows it, below ordinary windows, never focused, on
+// every desktop, off taskbar and pager, and stored where it is dragged.
 #include "XSession.h"
 
+#include <QPainter>
 #include <QRegularExpression>
+#include <QSet>
 #include <gtest/gtest.h>
 
 namespace {
@@ -25,33 +28,84 @@ QString topLevelOf(const XSession& x, QString id)
     return {};
 }
 
-// xwininfo lists the root's children top first.
-bool isAbove(const XSession& x, const QString& upper, const QString& lower)
+int distance(QRgb a, QRgb b)
 {
-    const QString order = x.run("xwininfo", {"-root", "-children"});
-    const int u = order.indexOf(QRegularExpression("\\s" + topLevelOf(x, upper) + "\\s"));
-    const int l = order.indexOf(QRegularExpression("\\s" + topLevelOf(x, lower) + "\\s"));
-    return u >= 0 && l >= 0 && u < l;
+    return std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b));
 }
 
-QString activeWindow(const XSession& x)
+// An empty stretch of glass: the left margin, clear of the corners and the face.
+QImage margin(const QImage& screen, const QRect& w)
 {
-    return capture(x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW"}), R"(# (0x[0-9a-f]+))");
+    return screen.copy(w.x() + 5, w.y() + 60, 10, 50);
 }
 
-class WindowManager : public ::testing::TestWithParam<std::string> {};
+struct Desktop {
+    const char *windowManager, *compositor, *theme;
+};
+
+class WindowManager : public ::testing::TestWithParam<Desktop> {};
 
 } // namespace
 
-TEST_P(WindowManager, TheWidgetStaysBelowUnfocusedOnEveryDesktopAndStoresWhereItIsDragged)
+TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDragged)
 {
-    XSession x(XSessionOptions{.windowManager = QString::fromStdString(GetParam())});
+    const Desktop& d = GetParam();
+    XSession x(XSessionOptions{.compositor = QString(d.compositor).split(' ', Qt::SkipEmptyParts),
+                               .windowManager = d.windowManager});
     ASSERT_TRUE(x.ok());
+    // Black and white columns 8 px wide: as much contrast as a wallpaper can have; then an orange sky.
+    QImage stripes(1440, 900, QImage::Format_RGB32), sky(1440, 900, QImage::Format_RGB32);
+    for (int col = 0; col < 1440; ++col)
+        QPainter(&stripes).fillRect(col, 0, 1, 900, (col / 8) % 2 ? Qt::white : Qt::black);
+    sky.fill(QColor(250, 150, 50));
+    const auto setWallpaper = [&](const QImage& image) {
+        image.save(x.home() + "/wallpaper.png");
+        x.run("feh", {"--no-fehbg", "--bg-fill", x.home() + "/wallpaper.png"});
+    };
+    setWallpaper(stripes);
     x.enable({"clock"});
+    auto suite = x.settings();
+    suite->setObject(QString(d.theme), "glass-theme");
+    suite->synchronize();
     x.run("xdotool", {"set_num_desktops", "2"});
     ASSERT_TRUE(x.startApp());
     const QString widget = x.widget("clock");
-    ASSERT_EQ(x.geometryOf(widget), QRect(1250, 40, 170, 170));
+    const QRect w = x.geometryOf(widget);
+    ASSERT_EQ(w, QRect(1250, 40, 170, 170));
+
+    // Frosted, at most a sixteenth of the stripes' range shows. Without a compositor the glass is
+    // opaque: there its corners show the wallpaper as it is around the window, rounded and blended.
+    QImage screen;
+    const auto cornersShowWallpaper = [&] {
+        QSet<QRgb> arc;
+        for (int i = 0; i <= 24; ++i)
+            arc << screen.pixel(
+                w.topLeft() + QPointF(28 - 25 * std::cos(M_PI / 48 * i), 28 - 25 * std::sin(M_PI / 48 * i)).toPoint());
+        return distance(screen.pixel(w.topLeft() + QPoint(1, 1)), stripes.pixel(w.topLeft() + QPoint(1, 1))) <= 6 &&
+               distance(screen.pixel(w.bottomRight() - QPoint(1, 1)), stripes.pixel(w.bottomRight() - QPoint(1, 1))) <=
+                   6 &&
+               arc.size() > 2;
+    };
+    EXPECT_TRUE(XSession::waitFor([&] {
+        screen = x.grabScreen();
+        int lo = 255, hi = 0;
+        for (int y = 0; !screen.isNull() && y < 50; ++y)
+            for (int col = 0; col < 10; ++col) {
+                lo = std::min(lo, qGray(margin(screen, w).pixel(col, y)));
+                hi = std::max(hi, qGray(margin(screen, w).pixel(col, y)));
+            }
+        return !screen.isNull() && hi - lo <= 255 / 16 && (*d.compositor || cornersShowWallpaper());
+    }));
+    // A new wallpaper shows through the glass.
+    const auto mean = [&] {
+        return margin(screen, w).scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0);
+    };
+    const QRgb before = mean();
+    setWallpaper(sky);
+    EXPECT_TRUE(XSession::waitFor([&] {
+        screen = x.grabScreen();
+        return !screen.isNull() && distance(mean(), before) >= 12;
+    }));
 
     // An ordinary window over the widget's lower part, clicked until the manager has it focused.
     QProcess normal;
@@ -59,10 +113,11 @@ TEST_P(WindowManager, TheWidgetStaysBelowUnfocusedOnEveryDesktopAndStoresWhereIt
     normal.start("xmessage", {"-geometry", "400x300+1100+100", "ordinary window"});
     QString other;
     const auto hex = [](const QString& id) { return "0x" + QString::number(id.toULongLong(), 16); };
+    const auto active = [&] { return capture(x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW"}), R"(# (0x[0-9a-f]+))"); };
     ASSERT_TRUE(XSession::waitFor([&] {
         other = x.run("xdotool", {"search", "--onlyvisible", "--class", "xmessage"}).section('\n', 0, 0);
         x.click({1200, 350});
-        return !other.isEmpty() && XSession::waitFor([&] { return activeWindow(x) == hex(other); }, 1000);
+        return !other.isEmpty() && XSession::waitFor([&] { return active() == hex(other); }, 1000);
     }));
     // A click on the widget's uncovered top, then a drag of it: the window follows the hand, and
     // the end of the move is stored in app coordinates.
@@ -70,17 +125,22 @@ TEST_P(WindowManager, TheWidgetStaysBelowUnfocusedOnEveryDesktopAndStoresWhereIt
     EXPECT_TRUE(x.drag(widget, {1330, 70}, {1250, 90}));
     EXPECT_TRUE(XSession::waitFor([&] {
         const auto stored = x.storedPosition("clock");
-        return stored && QPointF(stored->x, stored->y) == x.originOf(widget) && stored->x <= 1180;
-    })) << x.originOf(widget).x();
-    x.grabScreen().save(artifactsDir() + "/wm-" + QString::fromStdString(GetParam()) + ".png");
-    EXPECT_TRUE(isAbove(x, other, widget));
-    EXPECT_EQ(activeWindow(x), hex(other));
+        return stored && *stored == x.originOf(widget) && stored->x <= 1180;
+    })) << x.originOf(widget).x;
+    x.grabScreen().save(artifactsDir() + QString("/desktop-%1-%2-%3.png").arg(d.windowManager, d.compositor, d.theme));
+    // xwininfo lists the root's children top first.
+    const QString order = x.run("xwininfo", {"-root", "-children"});
+    const auto place = [&](const QString& id) {
+        return order.indexOf(QRegularExpression("\\s" + topLevelOf(x, id) + "\\s"));
+    };
+    EXPECT_TRUE(place(other) >= 0 && place(widget) > place(other));
+    EXPECT_EQ(active(), hex(other));
     const QString props = x.run("xprop", {"-id", widget, "_NET_WM_STATE", "_NET_WM_DESKTOP"});
     for (const char* p : {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "= 4294967295"})
         EXPECT_TRUE(props.contains(p)) << p << " in " << props.toStdString();
 
     // On the second desktop the ordinary window is gone and the widget is still there.
-    if (GetParam() == "i3")
+    if (QString(d.windowManager) == "i3")
         x.run("i3-msg", {"workspace", "2"});
     else
         x.run("xdotool", {"set_desktop", "1"});
@@ -91,5 +151,9 @@ TEST_P(WindowManager, TheWidgetStaysBelowUnfocusedOnEveryDesktopAndStoresWhereIt
     normal.waitForFinished(2000);
 }
 
-INSTANTIATE_TEST_SUITE_P(Matrix, WindowManager, ::testing::Values("openbox", "fluxbox", "xfwm4", "i3", "kwin_x11"),
-                         [](const auto& info) { return info.param; });
+INSTANTIATE_TEST_SUITE_P(Matrix, WindowManager,
+                         ::testing::Values(Desktop{"openbox", "", "transparent"}, Desktop{"i3", "", "opaque"},
+                                           Desktop{"fluxbox", "xcompmgr", "transparent"},
+                                           Desktop{"xfwm4", "xcompmgr", "opaque"},
+                                           Desktop{"kwin_x11", "picom", "transparent"}),
+                         [](const auto& info) { return std::string(info.param.windowManager); });

@@ -46,9 +46,8 @@ XSession::XSession(XSessionOptions options)
     if (!waitFor([&] { return (number += m_helpers.back()->readAllStandardOutput()).contains('\n'); }))
         return;
     m_display = ":" + QString::fromLatin1(number.trimmed());
-    QDir().mkpath(configDir());
+    QDir().mkpath(home() + "/.config/OmbrixWidget");
     const QString& wm = options.windowManager;
-    QProcessEnvironment wmEnv;
     QStringList wmArgs;
     if (wm == "i3") {
         // Its own config: no first-run wizard, and the tests' ordinary windows float.
@@ -58,17 +57,13 @@ XSession::XSession(XSessionOptions options)
             "# i3 config file (v4)\nfont pango:monospace 8\nfor_window [class=\"Xmessage\"] floating enable\n");
         wmArgs = {"-c", config.fileName()};
     }
-    wmEnv.insert("KWIN_COMPOSE", "N"); // no compositing on a virtual display
     if (wm == "xfwm4")
         wmArgs = {"--compositor=off"};
     // On a loaded machine a manager now and then never gets going on a new display; another start does.
+    const auto managed = [&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); };
     for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
-        startHelper(wm, wmArgs, wmEnv);
-        m_managed = waitFor(
-            [&] {
-                return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id");
-            },
-            15000);
+        startHelper(wm, wmArgs);
+        m_managed = waitFor(managed, 15000);
         if (!m_managed)
             m_helpers.pop_back();
     }
@@ -97,6 +92,7 @@ QProcessEnvironment XSession::environment() const
     env.insert("XDG_RUNTIME_DIR", home());
     env.remove("QT_QPA_PLATFORM");
     env.remove("DBUS_SESSION_BUS_ADDRESS");
+    env.insert("KWIN_COMPOSE", "N"); // no compositing on a virtual display
     // Off the machine's own UPower; a test that wants one hands its stand-in's address.
     env.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/ombrix-no-system-bus");
     return env;
@@ -104,7 +100,7 @@ QProcessEnvironment XSession::environment() const
 
 std::unique_ptr<DefaultsSuite> XSession::settings() const
 {
-    return DefaultsSuite::open(SettingsManager::suiteName, configDir());
+    return DefaultsSuite::open(SettingsManager::suiteName, home() + "/.config/OmbrixWidget");
 }
 
 void XSession::enable(const QStringList& widgets, const QString& size)
@@ -132,7 +128,7 @@ std::optional<Position> XSession::storedPosition(const QString& widget) const
     return data ? Position::fromJson(*data) : std::nullopt;
 }
 
-void XSession::startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra)
+void XSession::startHelper(const QString& program, const QStringList& args)
 {
     m_helpers.emplace_back(new QProcess, [](QProcess* p) {
         p->kill();
@@ -140,9 +136,7 @@ void XSession::startHelper(const QString& program, const QStringList& args, cons
         delete p;
     });
     QProcess* p = m_helpers.back().get();
-    QProcessEnvironment env = environment();
-    env.insert(extra);
-    p->setProcessEnvironment(env);
+    p->setProcessEnvironment(environment());
     p->setStandardErrorFile(QProcess::nullDevice());
     if (program != "Xvfb")
         p->setStandardOutputFile(QProcess::nullDevice());
@@ -160,16 +154,6 @@ QString runTool(const QString& program, const QStringList& args, const QProcessE
     p.kill();
     p.waitForFinished(1000);
     return {};
-}
-
-QString XSession::run(const QString& program, const QStringList& args, int timeoutMs) const
-{
-    return runTool(program, args, environment(), timeoutMs);
-}
-
-void XSession::click(QPoint at) const
-{
-    run("xdotool", {"mousemove", QString::number(at.x()), QString::number(at.y()), "click", "1"});
 }
 
 bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
@@ -245,15 +229,10 @@ QRect xGeometry(const QString& windowId, const QProcessEnvironment& env)
     return QRect(num("Absolute upper-left X"), num("Absolute upper-left Y"), num("Width"), num("Height"));
 }
 
-QRect XSession::geometryOf(const QString& windowId) const
+Position xOrigin(const QString& windowId, const QProcessEnvironment& env)
 {
-    return xGeometry(windowId, environment());
-}
-
-QPointF XSession::originOf(const QString& windowId) const
-{
-    const QRect g = geometryOf(windowId);
-    return QPointF(g.x(), screenHeight - (g.y() + g.height()));
+    const QRect g = xGeometry(windowId, env);
+    return Position{double(g.x()), double(XSession::screenHeight - g.bottom() - 1)};
 }
 
 QImage XSession::grabScreen() const

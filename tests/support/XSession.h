@@ -13,6 +13,15 @@
 #include <memory>
 #include <optional>
 
+// On the display `env` names (the run's own by default): a tool's output, empty on failure.
+QString runTool(const QString& program, const QStringList& args,
+                const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment(), int timeoutMs = 10000);
+// A window's outer geometry in X coordinates (top left, y down), and its origin in the app's (bottom left, y up).
+QRect xGeometry(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
+Position xOrigin(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
+QString buildDir();
+QString artifactsDir();
+
 struct XSessionOptions {
     bool tray = false;
     QStringList compositor = {};       // a compositor's command line
@@ -29,7 +38,6 @@ class XSession {
     bool ok() const { return !m_display.isEmpty() && m_managed; }
     QString display() const { return m_display; }
     QString home() const { return m_home.path(); }
-    QString configDir() const { return m_home.path() + "/.config/OmbrixWidget"; }
     QProcessEnvironment environment() const;
 
     // The app's settings in this HOME, and three ways to set them before it starts.
@@ -39,9 +47,15 @@ class XSession {
     std::optional<Position> storedPosition(const QString& widget) const;
 
     // A tool run on this display: its standard output, empty on failure.
-    QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const;
+    QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const
+    {
+        return runTool(program, args, environment(), timeoutMs);
+    }
     // A real click; a press, a drag that waits for the window to follow, and a release.
-    void click(QPoint at) const;
+    void click(QPoint at) const
+    {
+        run("xdotool", {"mousemove", QString::number(at.x()), QString::number(at.y()), "click", "1"});
+    }
     bool drag(const QString& windowId, QPoint from, QPoint to) const;
 
     // build/OmbrixWidget on this display, with `extra` variables (a private bus, for one).
@@ -53,9 +67,8 @@ class XSession {
     QStringList windowsNamed(const QString& title) const;
     QString waitForWindow(const QString& title, int timeoutMs = 60000) const;
     QString widget(const QString& name) const { return waitForWindow("OmbrixWidget " + name); }
-    // Outer geometry in X coordinates (top left, y down); the origin in the app's (bottom left, y up).
-    QRect geometryOf(const QString& windowId) const;
-    QPointF originOf(const QString& windowId) const;
+    QRect geometryOf(const QString& windowId) const { return xGeometry(windowId, environment()); }
+    Position originOf(const QString& windowId) const { return xOrigin(windowId, environment()); }
     QImage grabScreen() const;
     QImage shot(const QString& windowId) const { return grabScreen().copy(geometryOf(windowId)); }
 
@@ -63,7 +76,7 @@ class XSession {
     static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 30000);
 
   private:
-    void startHelper(const QString& program, const QStringList& args, const QProcessEnvironment& extra = {});
+    void startHelper(const QString& program, const QStringList& args);
 
     QTemporaryDir m_home;
     QString m_display;
@@ -71,10 +84,3 @@ class XSession {
     bool m_managed = false;                                                // a window manager answers
     std::unique_ptr<QProcess> m_app;
 };
-
-// A tool's output and a window's geometry on the display `env` names (the run's own by default).
-QString runTool(const QString& program, const QStringList& args,
-                const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment(), int timeoutMs = 10000);
-QRect xGeometry(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
-QString buildDir();
-QString artifactsDir();
