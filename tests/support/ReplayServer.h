@@ -1,11 +1,15 @@
 #pragma once
 // A loopback HTTP server for tests: a request gets the canned reply of its path (query ignored) or
 // 404, and every request line is kept byte for byte. One request per connection.
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMap>
 #include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
 
 class ReplayServer : public QObject {
-    Q_OBJECT
   public:
     struct Reply {
         int status = 200;
@@ -15,21 +19,66 @@ class ReplayServer : public QObject {
         int delayMs = 0;
     };
 
-    bool listen(quint16 port = 0); // on 127.0.0.1
+    bool listen(quint16 port = 0) // on 127.0.0.1
+    {
+        connect(&m_server, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+            }
+        });
+        return m_server.listen(QHostAddress::LocalHost, port);
+    }
     QString baseUrl() const { return QString("http://127.0.0.1:%1").arg(m_server.serverPort()); }
 
     void setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
     void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
     void setHang(const QString& path) { setReply(path, {200, {}, {}, true}); }
     // Replies from a folder's "replies.json" instead, read again at every request: a path maps to
-    // {"status", "contentType", "hang", "delayMs", and "file" (beside it) or "body"}.
+    // {"file": a file beside it}.
     void serveDirectory(const QString& directory) { m_directory = directory; }
 
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
 
   private:
-    void answer(QTcpSocket* socket);
+    // The routes of the folder; none where unreadable, so that every path answers 404.
+    QMap<QString, Reply> readDirectory() const
+    {
+        const QDir dir(m_directory);
+        QFile manifest(dir.filePath("replies.json"));
+        const auto routes =
+            QJsonDocument::fromJson(manifest.open(QIODevice::ReadOnly) ? manifest.readAll() : "").object();
+        QMap<QString, Reply> replies;
+        for (auto it = routes.begin(); it != routes.end(); ++it) {
+            QFile file(dir.filePath(it.value().toObject().value("file").toString()));
+            if (file.open(QIODevice::ReadOnly))
+                replies.insert(it.key(), {200, file.readAll()});
+        }
+        return replies;
+    }
+
+    void answer(QTcpSocket* socket)
+    {
+        // Read only once the whole head is there: closing on unread bytes would reset the connection.
+        if (!socket->peek(1 << 20).contains("\r\n\r\n"))
+            return;
+        socket->disconnect(this);
+        const QByteArray line = socket->readAll().split('\r').first();
+        m_requestLines.append(line);
+        const QString path = QString::fromLatin1(line.split(' ').value(1).split('?').first());
+        const Reply r =
+            (m_directory.isEmpty() ? m_replies : readDirectory()).value(path, {404, "not found", "text/plain"});
+        if (r.hang)
+            return;
+        const QByteArray answer =
+            "HTTP/1.1 " + QByteArray::number(r.status) + " Replay\r\nContent-Type: " + r.contentType +
+            "\r\nContent-Length: " + QByteArray::number(r.body.size()) + "\r\nConnection: close\r\n\r\n" + r.body;
+        QTimer::singleShot(r.delayMs, socket, [socket, answer] {
+            socket->write(answer);
+            socket->disconnectFromHost();
+        });
+    }
 
     QTcpServer m_server;
     QMap<QString, Reply> m_replies;
