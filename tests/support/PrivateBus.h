@@ -1,7 +1,6 @@
 #pragma once
 // A private session bus (dbus-daemon) for a test, with test MPRIS players on it. Starting it points
 // DBUS_SESSION_BUS_ADDRESS at it, so the players and anything else started later use it.
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QProcess>
@@ -42,16 +41,12 @@ class PrivateBus {
             [&] { return bus.interface() && bus.interface()->isServiceRegistered(busName).value() == present; },
             deadlineMs);
     }
-    // Starts ombrix-test-mpris-player --name `name` `args` (see mpris_player.py); returns once it owns
-    // its name, else nullptr.
+    // Starts mpris_player.py --name `name` `args`; returns once it owns its name, else nullptr.
     QProcess* startPlayer(const QString& name, const QStringList& args = {})
     {
-        // Beside the test binary in the build tree: tests/<area>/<binary> and tests/support/<player>.
-        const QString buildDir =
-            qEnvironmentVariable("OMBRIX_BUILD_DIR", QCoreApplication::applicationDirPath() + "/../..");
         auto player = std::make_unique<QProcess>();
         player->setProcessChannelMode(QProcess::ForwardedChannels);
-        player->start(buildDir + "/tests/support/ombrix-test-mpris-player", QStringList{"--name", name} + args);
+        player->start(OMBRIX_MPRIS_PLAYER, QStringList{"--name", name} + args);
         const QString busName = "org.mpris.MediaPlayer2." + name;
         if (!player->waitForStarted(deadlineMs) || !waitForName(busName, true))
             return nullptr;

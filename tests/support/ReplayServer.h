@@ -1,9 +1,6 @@
 #pragma once
 // A loopback HTTP server for tests: a request gets the canned reply of its path (query ignored) or
 // 404, and every request line is kept byte for byte. One request per connection.
-#include <QDir>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QMap>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -34,30 +31,11 @@ class ReplayServer : public QObject {
     void setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
     void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
     void setHang(const QString& path) { setReply(path, {200, {}, {}, true}); }
-    // Replies from a folder's "replies.json" instead, read again at every request: a path maps to
-    // {"file": a file beside it}.
-    void serveDirectory(const QString& directory) { m_directory = directory; }
 
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
 
   private:
-    // The routes of the folder; none where unreadable, so that every path answers 404.
-    QMap<QString, Reply> readDirectory() const
-    {
-        const QDir dir(m_directory);
-        QFile manifest(dir.filePath("replies.json"));
-        const auto routes =
-            QJsonDocument::fromJson(manifest.open(QIODevice::ReadOnly) ? manifest.readAll() : "").object();
-        QMap<QString, Reply> replies;
-        for (auto it = routes.begin(); it != routes.end(); ++it) {
-            QFile file(dir.filePath(it.value().toObject().value("file").toString()));
-            if (file.open(QIODevice::ReadOnly))
-                replies.insert(it.key(), {200, file.readAll()});
-        }
-        return replies;
-    }
-
     void answer(QTcpSocket* socket)
     {
         // Read only once the whole head is there: closing on unread bytes would reset the connection.
@@ -67,8 +45,7 @@ class ReplayServer : public QObject {
         const QByteArray line = socket->readAll().split('\r').first();
         m_requestLines.append(line);
         const QString path = QString::fromLatin1(line.split(' ').value(1).split('?').first());
-        const Reply r =
-            (m_directory.isEmpty() ? m_replies : readDirectory()).value(path, {404, "not found", "text/plain"});
+        const Reply r = m_replies.value(path, {404, "not found", "text/plain"});
         if (r.hang)
             return;
         const QByteArray answer =
@@ -82,6 +59,5 @@ class ReplayServer : public QObject {
 
     QTcpServer m_server;
     QMap<QString, Reply> m_replies;
-    QString m_directory;
     QList<QByteArray> m_requestLines;
 };
