@@ -19,7 +19,7 @@ if [ ${#missing[@]} -gt 0 ]; then
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-harnesses=(fuzz_battery_texts fuzz_music_reply fuzz_ip_location fuzz_geocoding fuzz_forecast fuzz_suite_file)
+harnesses=(fuzz_outside_data)
 cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
   -DOMBRIX_TESTS=OFF -DOMBRIX_FUZZ=ON \
   -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined" >/dev/null

@@ -71,10 +71,7 @@ TEST(BatteryRules, GlowAndRings)
     EXPECT_EQ(statusText({device("macbook", 85, true), true, ""}), "In carica");
     EXPECT_EQ(statusText({device("macbook", 100), true, ""}), "Alimentazione");
     EXPECT_EQ(statusText({device("mouse", 19), false, ""}), "19%");
-    EXPECT_EQ(arcColor(19), red());
-    EXPECT_EQ(arcColor(20), green());
-    EXPECT_EQ(iconName("trackpad"), "ipad.and.trackpad");
-    EXPECT_EQ(iconName("accessory"), "battery.100");
+    EXPECT_EQ(std::pair(arcColor(19), arcColor(20)), std::pair(red(), green()));
 }
 
 TEST(BatteryWidgetModel, ReadsWhileActiveAndRedrawsOnSettings)
@@ -83,24 +80,20 @@ TEST(BatteryWidgetModel, ReadsWhileActiveAndRedrawsOnSettings)
     BatteryMonitor::shared().setTextSource(std::unique_ptr<BatteryTextSource>(texts));
     texts->pmset = "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t15%; discharging";
     texts->ioreg = "+-o X <class X>\n\"BatteryPercent\" = 64\n\"Product\" = \"Magic Mouse\"\n";
-    // No computer name known: "MacBook".
     SettingsManager& settings = SettingsManager::shared();
     settings.setBatterySize("medium");
     BatteryWidgetModel model;
     auto* timer = model.findChild<QTimer*>();
     ASSERT_TRUE(timer);
-    EXPECT_FALSE(timer->isActive());
-    EXPECT_EQ(texts->reads, 0);
-
-    model.setActive(true);
-    EXPECT_TRUE(timer->isActive());
-    EXPECT_EQ(model.glowColor(), red());
     const auto labels = [&] {
         QStringList out;
         for (const BatteryRing& ring : model.visibleRings()->rings())
             out << ring.customName;
         return out;
     };
+    EXPECT_EQ(std::pair(timer->isActive(), texts->reads), std::pair(false, 0));
+    model.setActive(true); // no computer name known: "MacBook"
+    EXPECT_TRUE(timer->isActive());
     EXPECT_EQ(labels(), QStringList({"MacBook", "Magic Mouse"}));
     EXPECT_EQ(SettingsManager::shared().sharedData().battery, model.deviceList());
 
@@ -117,10 +110,8 @@ TEST(BatteryWidgetModel, ReadsWhileActiveAndRedrawsOnSettings)
     settings.setBatteryVisibleDevices({"mouse"});
     EXPECT_EQ(labels(), QStringList({"Magic Mouse"}));
     settings.setBatterySize("small");
-    EXPECT_EQ(labels(), QStringList({"MacBook"}));
-    EXPECT_EQ(texts->reads, reads);
+    EXPECT_EQ(std::pair(labels(), texts->reads), std::pair(QStringList({"MacBook"}), reads));
     settings.setBatteryVisibleDevices(allCategories);
-
     model.setActive(false);
     EXPECT_FALSE(timer->isActive());
     BatteryMonitor::shared().setTextSource(nullptr);

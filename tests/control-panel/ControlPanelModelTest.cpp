@@ -9,31 +9,28 @@
 namespace {
 
 // What a second start of the app would read.
-SettingsManager& reloaded()
+WeatherSettings reloaded()
 {
     SettingsManager::shared().loadSettings();
-    return SettingsManager::shared();
+    return SettingsManager::shared().weatherSettings();
 }
 
 } // namespace
 
-TEST(ControlPanelModel, LocationSwitchStoresItsNegationAndKeepsTheCity)
+TEST(ControlPanelModel, LocationSwitchAndCitySearchOutcomes)
 {
-    SettingsManager::shared().saveWeatherSettings({true, "Roma, Italia", 41.9, 12.5});
-    ControlPanelModel model;
-    model.appear();
-    EXPECT_FALSE(model.weatherAutoMode());
-    EXPECT_EQ(model.manualCity(), "Roma, Italia");
-    model.setWeatherAutoMode(true); // the city stays for the way back
-    EXPECT_EQ(reloaded().weatherSettings(), (WeatherSettings{false, "Roma, Italia", 41.9, 12.5}));
-}
+    // The switch shows the stored choice and stores its negation, keeping the city for the way back.
+    const WeatherSettings before{true, "Prima", 1, 2};
+    SettingsManager::shared().saveWeatherSettings(before);
+    ControlPanelModel panel;
+    panel.appear();
+    EXPECT_EQ(std::pair(panel.weatherAutoMode(), panel.manualCity()), std::pair(false, QString("Prima")));
+    panel.setWeatherAutoMode(true);
+    EXPECT_EQ(reloaded(), (WeatherSettings{false, "Prima", 1, 2}));
 
-TEST(ControlPanelModel, CitySearchOutcomes)
-{
     ReplayServer server;
     ASSERT_TRUE(server.listen());
     pointWeatherServicesAt(server.baseUrl());
-    const WeatherSettings before{false, "Prima", 1, 2};
     const WeatherSettings milano{true, "Milano, Italia", 45.46427, 9.18951};
     const QList<std::tuple<QString, ReplayServer::Reply, QString, WeatherSettings>> cases = {
         {"  Milano \n", {200, samples::geoMilano}, "✓ Impostato su Milano, Italia", milano},
@@ -55,7 +52,7 @@ TEST(ControlPanelModel, CitySearchOutcomes)
                                           : status.isEmpty() ? ControlPanelModel::systemGray
                                                              : ControlPanelModel::statusRed);
         EXPECT_EQ(server.requestLines().size(), typed.trimmed().isEmpty() ? 0 : 1);
-        EXPECT_EQ(reloaded().weatherSettings(), stored);
+        EXPECT_EQ(reloaded(), stored);
     }
     pointWeatherServicesAt({});
 }

@@ -1,8 +1,10 @@
 #include "BatteryMonitor.h"
 #include "FakePowerSupplyTree.h"
 #include "OutsideData.h"
+#include "PowerSupplyTexts.h"
 #include "UPowerMock.h"
 
+#include <QDir>
 #include <QSignalSpy>
 #include <QTest>
 #include <functional>
@@ -43,7 +45,6 @@ QString product(const QString& name, int percent)
 
 TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
 {
-    const QString batteryPower = "Now drawing from 'Battery Power'\n -InternalBattery-0 (id=1)\t";
     const struct {
         const char* what;
         QString pmset, ioreg;
@@ -53,12 +54,6 @@ TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
          "Now drawing from 'AC Power'\n 40%; discharging",
          "",
          {mac(40, true)}},
-        {"discharging is not charging", batteryPower + "54%; discharging; 3:10 remaining", "", {mac(54, false)}},
-        {"charging without the AC line", batteryPower + "33%; charging", "", {mac(33, true)}},
-        {"no percent, or one past 64 bits: 100",
-         "Now drawing from 'AC Power'",
-         "9223372036854775808%",
-         {mac(100, true)}},
         {"malformed output: a shell's error",
          "zsh: command not found: pmset",
          "zsh: command not found: ioreg",
@@ -66,10 +61,10 @@ TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
         {"types from names, in table order",
          "5%",
          product("Magic Mouse", 64) + product("Keyboard and Trackpad", 1) + product("Trackpad", 2) +
-             product("Pencil", 3) + product("Headphones", 4) + product("Watch", 5) + product("Game Pad", 6),
+             product("Headphones", 4) + product("Game Pad", 6),
          {mac(5, false), accessory("Magic Mouse", 64, "mouse"), accessory("Keyboard and Trackpad", 1, "keyboard"),
-          accessory("Trackpad", 2, "trackpad"), accessory("Pencil", 3, "pencil"), accessory("Headphones", 4, "airpods"),
-          accessory("Watch", 5, "watch"), accessory("Game Pad", 6, "accessory")}},
+          accessory("Trackpad", 2, "trackpad"), accessory("Headphones", 4, "airpods"),
+          accessory("Game Pad", 6, "accessory")}},
         {"no product: the header's name, unless it is a service class; CRLF lines",
          "",
          block("AppleDeviceManagementHIDEventService", "\"BatteryPercent\" = 9\n") +
@@ -94,6 +89,77 @@ TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
         SCOPED_TRACE(c.what);
         EXPECT_EQ(BatteryMonitor::parseBatteryDevices(c.pmset, c.ioreg), c.expected);
     }
+}
+
+// A Linux power-supply tree read as the macOS tools would print it.
+TEST(BatteryMonitor, TheTreeReadsAsTheTools)
+{
+    using T = FakePowerSupplyTree;
+    const struct {
+        const char* what;
+        std::function<void(T&)> build;
+        QList<BatteryDevice> expected;
+    } cases[] = {
+        {"charging on AC, a mouse beside",
+         [](T& t) {
+             t.addLaptopBattery("BAT0", 15, "Charging"), t.addMains("AC", true),
+                 t.addDeviceBattery("hid-1", "Magic Mouse", 64);
+         },
+         {mac(15, true), accessory("Magic Mouse", 64, "mouse")}},
+        {"on battery; an offline adapter does not count",
+         [](T& t) { t.addMains("ADP1", false), t.addLaptopBattery("BAT0", 54, "Discharging"); },
+         {mac(54, false)}},
+        {"full on a USB-C supply",
+         [](T& t) {
+             t.addLaptopBattery("BAT1", 100, "Full"), t.addSupply("ucsi-psy", {{"type", "USB"}, {"online", "2"}});
+         },
+         {mac(100, true)}},
+        {"\"Not charging\" without mains is discharging",
+         [](T& t) { t.addLaptopBattery("BAT0", 80, "Not charging"), t.addMains("AC", false); },
+         {mac(80, false)}},
+        {"two batteries combined by the energy they hold; one charging is charging",
+         [](T& t) {
+             t.addSupply("BAT0", {{"type", "Battery"},
+                                  {"capacity", "90"},
+                                  {"status", "Charging"},
+                                  {"energy_now", "45000000"},
+                                  {"energy_full", "50000000"}});
+             t.addSupply("BAT1", {{"type", "Battery"},
+                                  {"capacity", "30"},
+                                  {"status", "Discharging"},
+                                  {"charge_now", "1000000"},
+                                  {"charge_full", "2000000"},
+                                  {"voltage_min_design", "10000000"}});
+         },
+         {mac(79, true)}},
+        {"mains without a battery; peripherals in name order, coarse levels, names made safe",
+         [](T& t) {
+             t.addMains("AC", true), t.addDeviceBattery("hid-b", "Pad \"Pro\"+-o\nX", 40);
+             t.addSupply("hid-a",
+                         {{"type", "Battery"}, {"scope", "Device"}, {"model_name", "Pen"}, {"capacity_level", "Low"}});
+         },
+         {mac(100, true), accessory("Pen", 10, "accessory"), accessory("Pad 'Pro'+- o X", 40, "accessory")}},
+        {"garbage: no number, junk bytes, a folder for a file, a huge file",
+         [](T& t) {
+             t.addLaptopBattery("BAT0", 0, "Discharging"), t.writeRaw("BAT0", "capacity", "abc\n");
+             t.writeRaw("AC", "type", "Mains\n"), t.writeRaw("AC", "online", "\x01\x02");
+             t.addSupply("hid-1", {{"type", "Battery"}, {"scope", "Device"}, {"capacity", "5"}});
+             QDir(t.root()).mkpath("hid-1/model_name");
+             t.writeRaw("hid-2", "type", QByteArray("\xff\xfe\x00Battery", 10));
+             t.addDeviceBattery("hid-3", "Keys", 0), t.writeRaw("hid-3", "capacity", "33" + QByteArray(1 << 20, ' '));
+         },
+         {mac(100, false), accessory("Keys", 33, "accessory")}},
+        {"empty tree", [](T&) {}, {mac(100, true)}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        T tree;
+        c.build(tree);
+        EXPECT_EQ(BatteryMonitor::parseBatteryDevices(powersupply::pmsetText(tree.root()),
+                                                      powersupply::ioregText(tree.root())),
+                  c.expected);
+    }
+    EXPECT_EQ(BatteryMonitor::parseBatteryDevices(powersupply::pmsetText("/nonexistent"), ""), QList{mac(100, true)});
 }
 
 // dbusmock's UPower on a private bus standing in for the system bus, with a power-supply tree beside it.

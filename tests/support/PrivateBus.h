@@ -2,30 +2,78 @@
 // A private session bus (dbus-daemon) for a test, with test MPRIS players on it. Starting it points
 // DBUS_SESSION_BUS_ADDRESS at it, so the players and anything else started later use it.
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QProcess>
+#include <QTest>
 #include <memory>
 #include <vector>
 
 class PrivateBus {
   public:
-    PrivateBus();
-    ~PrivateBus();
+    PrivateBus()
+    {
+        m_daemon.start("dbus-daemon", {"--session", "--print-address", "--nofork"});
+        QByteArray line;
+        while (m_daemon.waitForStarted(deadlineMs) && !line.contains('\n') && m_daemon.waitForReadyRead(deadlineMs))
+            line += m_daemon.readAllStandardOutput();
+        m_address = QString::fromUtf8(line).trimmed();
+        if (!m_address.isEmpty())
+            qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toUtf8());
+    }
+    ~PrivateBus()
+    {
+        stopPlayers();
+        QDBusConnection::disconnectFromBus(connectionName);
+        end(m_daemon);
+    }
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
 
     bool isRunning() const { return !m_address.isEmpty(); }
     QString address() const { return m_address; }
-    QDBusConnection connection() const; // the test's own connection to it
+    QDBusConnection connection() const { return QDBusConnection::connectToBus(m_address, connectionName); }
 
     // Waits (up to a deadline) until `busName` is owned (present) or free (!present).
-    bool waitForName(const QString& busName, bool present) const;
-    // Starts ombrix-test-mpris-player --name `name` `args`; returns once it owns its name, else nullptr.
-    QProcess* startPlayer(const QString& name, const QStringList& args = {});
-    // Ends one player (or all) and waits until their names are gone.
-    bool stopPlayer(QProcess* player);
-    bool stopPlayers();
+    bool waitForName(const QString& busName, bool present) const
+    {
+        const QDBusConnection bus = connection();
+        return QTest::qWaitFor(
+            [&] { return bus.interface() && bus.interface()->isServiceRegistered(busName).value() == present; },
+            deadlineMs);
+    }
+    // Starts mpris_player.py --name `name` `args`; returns once it owns its name, else nullptr.
+    QProcess* startPlayer(const QString& name, const QStringList& args = {})
+    {
+        auto player = std::make_unique<QProcess>();
+        player->setProcessChannelMode(QProcess::ForwardedChannels);
+        player->start(OMBRIX_MPRIS_PLAYER, QStringList{"--name", name} + args);
+        const QString busName = "org.mpris.MediaPlayer2." + name;
+        if (!player->waitForStarted(deadlineMs) || !waitForName(busName, true))
+            return nullptr;
+        return m_players.emplace_back(busName, std::move(player)).second.get();
+    }
+    // Ends every player and waits until their names are gone.
+    bool stopPlayers()
+    {
+        bool allGone = true;
+        for (auto& [busName, player] : m_players) {
+            end(*player);
+            allGone = waitForName(busName, false) && allGone;
+        }
+        m_players.clear();
+        return allGone;
+    }
 
   private:
+    static constexpr int deadlineMs = 10000;
+    static constexpr const char* connectionName = "ombrix-private-bus";
+    static void end(QProcess& process)
+    {
+        process.terminate();
+        if (process.state() != QProcess::NotRunning && !process.waitForFinished(deadlineMs))
+            process.kill();
+    }
+
     QProcess m_daemon;
     QString m_address;
     std::vector<std::pair<QString, std::unique_ptr<QProcess>>> m_players;

@@ -1,12 +1,13 @@
 #pragma once
-// For whole-app tests: a replay server on a folder of replies, answering while a test waits.
+// For whole-app tests: a replay server whose replies are files in a folder.
 #include "ReplayServer.h"
 #include "WeatherFixtures.h"
 
 #include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSaveFile>
 
-// Whole or not at all: the server reads its folder again at every request.
 inline bool writeFile(const QString& path, const QByteArray& bytes)
 {
     QSaveFile f(path);
@@ -18,11 +19,19 @@ class ReplayProcess : public ReplayServer {
     explicit ReplayProcess(const QString& dir) : m_dir(dir) { QDir().mkpath(dir); }
     bool start()
     {
-        serveDirectory(m_dir);
         return writeFile(m_dir + "/ip.json", samples::ipMilan) &&
                writeFile(m_dir + "/forecast.json", samples::forecastMilan) && listen();
     }
-    void serve(const QByteArray& routes) { writeFile(m_dir + "/replies.json", routes); }
+    // Routes as {"/path": {"file": a file in the folder}}, read now; other paths answer 404.
+    void serve(const QByteArray& routes)
+    {
+        const QJsonObject paths = QJsonDocument::fromJson(routes).object();
+        for (auto it = paths.begin(); it != paths.end(); ++it) {
+            QFile file(m_dir + '/' + it.value().toObject().value("file").toString());
+            if (file.open(QIODevice::ReadOnly))
+                setJson(it.key(), file.readAll());
+        }
+    }
     QList<QByteArray> requests() const { return requestLines(); }
 
   private:

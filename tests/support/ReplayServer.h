@@ -3,9 +3,10 @@
 // 404, and every request line is kept byte for byte. One request per connection.
 #include <QMap>
 #include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
 
 class ReplayServer : public QObject {
-    Q_OBJECT
   public:
     struct Reply {
         int status = 200;
@@ -15,24 +16,48 @@ class ReplayServer : public QObject {
         int delayMs = 0;
     };
 
-    bool listen(quint16 port = 0); // on 127.0.0.1
+    bool listen(quint16 port = 0) // on 127.0.0.1
+    {
+        connect(&m_server, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                connect(socket, &QTcpSocket::readyRead, this, [this, socket] { answer(socket); });
+            }
+        });
+        return m_server.listen(QHostAddress::LocalHost, port);
+    }
     QString baseUrl() const { return QString("http://127.0.0.1:%1").arg(m_server.serverPort()); }
 
     void setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
     void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
     void setHang(const QString& path) { setReply(path, {200, {}, {}, true}); }
-    // Replies from a folder's "replies.json" instead, read again at every request: a path maps to
-    // {"status", "contentType", "hang", "delayMs", and "file" (beside it) or "body"}.
-    void serveDirectory(const QString& directory) { m_directory = directory; }
 
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
 
   private:
-    void answer(QTcpSocket* socket);
+    void answer(QTcpSocket* socket)
+    {
+        // Read only once the whole head is there: closing on unread bytes would reset the connection.
+        if (!socket->peek(1 << 20).contains("\r\n\r\n"))
+            return;
+        socket->disconnect(this);
+        const QByteArray line = socket->readAll().split('\r').first();
+        m_requestLines.append(line);
+        const QString path = QString::fromLatin1(line.split(' ').value(1).split('?').first());
+        const Reply r = m_replies.value(path, {404, "not found", "text/plain"});
+        if (r.hang)
+            return;
+        const QByteArray answer =
+            "HTTP/1.1 " + QByteArray::number(r.status) + " Replay\r\nContent-Type: " + r.contentType +
+            "\r\nContent-Length: " + QByteArray::number(r.body.size()) + "\r\nConnection: close\r\n\r\n" + r.body;
+        QTimer::singleShot(r.delayMs, socket, [socket, answer] {
+            socket->write(answer);
+            socket->disconnectFromHost();
+        });
+    }
 
     QTcpServer m_server;
     QMap<QString, Reply> m_replies;
-    QString m_directory;
     QList<QByteArray> m_requestLines;
 };
