@@ -105,6 +105,6 @@ TEST(MprisPlayers, OnABus)
     EXPECT_EQ(logged("aaa"), QStringList({"Play", "Next", "Previous", "PlayPause"}));
     EXPECT_EQ(logged("vlc"), QStringList({"PlayPause", "PlayPause"}));
 
-    ASSERT_TRUE(bus.stopPlayers());
+    bus.stopPlayers();
     EXPECT_TRUE(shows(std::nullopt));
 }
