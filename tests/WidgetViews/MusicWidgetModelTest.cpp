@@ -24,7 +24,6 @@ TEST(MusicWidgetRules, TextsColoursAndArtwork)
         EXPECT_EQ(MusicWidgetModel::sourceLabelFor(source), label);
         EXPECT_EQ(MusicWidgetModel::sourceColorFor(source), color) << label.toStdString();
     }
-    EXPECT_EQ(MusicWidgetModel::displayText(std::nullopt), "—");
     EXPECT_EQ(MusicWidgetModel::displayText("<b>x</b>"), "<b>x</b>");
 
     QTemporaryDir dir;

@@ -8,14 +8,12 @@
 
 class ImageServer : public ReplayServer {
   public:
-    ImageServer() { m_listening = listen(); }
+    ImageServer() { listen(); }
 
-    bool isListening() const { return m_listening; }
     QString url(const QString& path) const { return baseUrl() + path; }
-    void serve(const QString& path, const QByteArray& body, int status = 200,
-               const QByteArray& contentType = "image/png", int delayMs = 0)
+    void serve(const QString& path, const QByteArray& body, int status = 200, const QByteArray& type = "image/png")
     {
-        setReply(path, {status, body, contentType, false, delayMs});
+        setReply(path, {status, body, type});
     }
     int requestCount(const QString& path) const
     {
@@ -30,7 +28,4 @@ class ImageServer : public ReplayServer {
         image.save(&buffer, "PNG");
         return bytes;
     }
-
-  private:
-    bool m_listening = false;
 };

@@ -33,13 +33,12 @@ class PrivateBus {
     QString address() const { return m_address; }
     QDBusConnection connection() const { return QDBusConnection::connectToBus(m_address, connectionName); }
 
-    // Waits (up to a deadline) until `busName` is owned (present) or free (!present).
-    bool waitForName(const QString& busName, bool present) const
+    // Waits (up to a deadline) until `busName` is owned.
+    bool waitForName(const QString& busName) const
     {
         const QDBusConnection bus = connection();
-        return QTest::qWaitFor(
-            [&] { return bus.interface() && bus.interface()->isServiceRegistered(busName).value() == present; },
-            deadlineMs);
+        return QTest::qWaitFor([&] { return bus.interface() && bus.interface()->isServiceRegistered(busName).value(); },
+                               deadlineMs);
     }
     // Starts mpris_player.py --name `name` `args`; returns once it owns its name, else nullptr.
     QProcess* startPlayer(const QString& name, const QStringList& args = {})
@@ -47,21 +46,15 @@ class PrivateBus {
         auto player = std::make_unique<QProcess>();
         player->setProcessChannelMode(QProcess::ForwardedChannels);
         player->start(OMBRIX_MPRIS_PLAYER, QStringList{"--name", name} + args);
-        const QString busName = "org.mpris.MediaPlayer2." + name;
-        if (!player->waitForStarted(deadlineMs) || !waitForName(busName, true))
+        if (!player->waitForStarted(deadlineMs) || !waitForName("org.mpris.MediaPlayer2." + name))
             return nullptr;
-        return m_players.emplace_back(busName, std::move(player)).second.get();
+        return m_players.emplace_back(std::move(player)).get();
     }
-    // Ends every player and waits until their names are gone.
-    bool stopPlayers()
+    void stopPlayers()
     {
-        bool allGone = true;
-        for (auto& [busName, player] : m_players) {
+        for (auto& player : m_players)
             end(*player);
-            allGone = waitForName(busName, false) && allGone;
-        }
         m_players.clear();
-        return allGone;
     }
 
   private:
@@ -76,5 +69,5 @@ class PrivateBus {
 
     QProcess m_daemon;
     QString m_address;
-    std::vector<std::pair<QString, std::unique_ptr<QProcess>>> m_players;
+    std::vector<std::unique_ptr<QProcess>> m_players;
 };

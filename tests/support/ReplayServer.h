@@ -4,7 +4,6 @@
 #include <QMap>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 
 class ReplayServer : public QObject {
   public:
@@ -13,7 +12,6 @@ class ReplayServer : public QObject {
         QByteArray body;
         QByteArray contentType = "application/json; charset=utf-8";
         bool hang = false;
-        int delayMs = 0;
     };
 
     bool listen(quint16 port = 0) // on 127.0.0.1
@@ -51,10 +49,8 @@ class ReplayServer : public QObject {
         const QByteArray answer =
             "HTTP/1.1 " + QByteArray::number(r.status) + " Replay\r\nContent-Type: " + r.contentType +
             "\r\nContent-Length: " + QByteArray::number(r.body.size()) + "\r\nConnection: close\r\n\r\n" + r.body;
-        QTimer::singleShot(r.delayMs, socket, [socket, answer] {
-            socket->write(answer);
-            socket->disconnectFromHost();
-        });
+        socket->write(answer);
+        socket->disconnectFromHost();
     }
 
     QTcpServer m_server;

@@ -22,7 +22,7 @@ class UPowerMock {
         m_mock.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         // Debian's own interpreter, which has the dbusmock module.
         m_mock.start("/usr/bin/python3", {"-m", "dbusmock", "--template", "upower"});
-        m_running = m_bus.isRunning() && m_mock.waitForStarted() && m_bus.waitForName("org.freedesktop.UPower", true);
+        m_running = m_bus.isRunning() && m_mock.waitForStarted() && m_bus.waitForName("org.freedesktop.UPower");
     }
     ~UPowerMock() { stop(); }
 
