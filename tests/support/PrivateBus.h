@@ -23,7 +23,7 @@ class PrivateBus {
     ~PrivateBus()
     {
         stopPlayers();
-        QDBusConnection::disconnectFromBus(connectionName);
+        QDBusConnection::disconnectFromBus(connectionName());
         end(m_daemon);
     }
     PrivateBus(const PrivateBus&) = delete;
@@ -31,7 +31,7 @@ class PrivateBus {
 
     bool isRunning() const { return !m_address.isEmpty(); }
     QString address() const { return m_address; }
-    QDBusConnection connection() const { return QDBusConnection::connectToBus(m_address, connectionName); }
+    QDBusConnection connection() const { return QDBusConnection::connectToBus(m_address, connectionName()); }
 
     // Waits (up to a deadline) until `busName` is owned.
     bool waitForName(const QString& busName) const
@@ -59,7 +59,8 @@ class PrivateBus {
 
   private:
     static constexpr int deadlineMs = 10000;
-    static constexpr const char* connectionName = "ombrix-private-bus";
+    // One per bus: two buses in one test must not share a connection.
+    QString connectionName() const { return "ombrix-private-bus " + m_address; }
     static void end(QProcess& process)
     {
         process.terminate();
