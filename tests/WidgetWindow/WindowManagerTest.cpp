@@ -49,6 +49,7 @@ TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDrag
     auto suite = x.settings();
     suite->setObject(QString(d.theme), "glass-theme");
     suite->synchronize();
+    x.run("xdotool", {"set_num_desktops", "2"});
     ASSERT_TRUE(x.startApp());
     const QString widget = x.widget("clock");
     const QRect w = x.geometryOf(widget);
