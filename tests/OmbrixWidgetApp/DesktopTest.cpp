@@ -1,5 +1,5 @@
-// The program as the desktop meets it: its command line, one copy per display, the autostart entry
-// and the installed files.
+// The program as the desktop meets it: its command line, the installed files, one copy per display and
+// the autostart entry.
 #include "XSession.h"
 
 #include <QFile>
@@ -17,15 +17,11 @@ struct Outcome {
 
 Outcome runProgram(const QString& program, const QStringList& args, const QProcessEnvironment& env)
 {
-    QProcess p;
+    QProcess p; // killed on the way out if it hangs
     p.setProcessEnvironment(env);
     p.start(program, args);
-    if (!p.waitForFinished(60000)) {
-        p.kill();
-        p.waitForFinished(2000);
-        return {};
-    }
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
+    const bool done = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit;
+    return {done ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
             QString::fromUtf8(p.readAllStandardError())};
 }
 
@@ -61,10 +57,29 @@ TEST(Desktop, CommandLineOptionsAndAMissingDisplayAnswerWithoutAWindow)
     }
 }
 
-TEST(Desktop, OneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
+TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
 {
+    QTemporaryDir dest;
+    const QString build = QFileInfo(buildDir()).canonicalFilePath(), usr = dest.path() + "/usr";
+    const QString id = "com.ombrixwidget.OmbrixWidget";
+    auto env = QProcessEnvironment::systemEnvironment();
+    env.insert("DESTDIR", dest.path());
+    ASSERT_EQ(runProgram("cmake", {"--install", build, "--prefix", "/usr"}, env).code, 0);
+    QStringList files = {"bin/OmbrixWidget", "share/applications/" + id + ".desktop",
+                         "share/metainfo/" + id + ".metainfo.xml", "share/icons/hicolor/scalable/apps/" + id + ".svg"};
+    for (int px : {16, 22, 24, 32, 48, 64, 128, 256})
+        files << QString("share/icons/hicolor/%1x%1/apps/%2.png").arg(px).arg(id);
+    for (const QString& f : files)
+        EXPECT_TRUE(QFileInfo(usr + "/" + f).isFile()) << f.toStdString();
+    for (const QStringList& validate :
+         {QStringList{"desktop-file-validate", usr + "/share/applications/" + id + ".desktop"},
+          {"appstreamcli", "validate", "--no-net", usr + "/share/metainfo/" + id + ".metainfo.xml"}}) {
+        const Outcome r = runProgram(validate.first(), validate.mid(1), env);
+        EXPECT_EQ(r.code, 0) << r.out.toStdString();
+    }
+
     XSession x;
-    const QString entry = x.home() + "/.config/autostart/com.ombrixwidget.OmbrixWidget.desktop";
+    const QString entry = x.home() + "/.config/autostart/" + id + ".desktop";
     const auto panel = [&] { return x.geometryOf(x.waitForWindow(kPanel)).topLeft(); };
     const auto flipSwitch = [&](bool toSettingsTab) {
         const QPoint at = panel();
@@ -91,8 +106,8 @@ TEST(Desktop, OneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
     // Closed with its own control, the same panel (still on its tab) comes back when the program is started again.
     x.click(panel() + QPoint(16, 14));
     ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
-    auto env = x.environment();
-    env.insert("DISPLAY", x.display() + ".0"); // another spelling of the same display
+    env = x.environment();
+    env.insert("DISPLAY", env.value("DISPLAY") + ".0"); // another spelling of the same display
     EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
     EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
     EXPECT_EQ(x.app()->state(), QProcess::Running);
@@ -100,49 +115,14 @@ TEST(Desktop, OneCopyPerDisplayItsPanelAsLeftAndStartAtLogin)
     EXPECT_TRUE(entryIs(false));
     flipSwitch(false);
     ASSERT_TRUE(entryIs(true));
-    // Killed outright, a copy leaves its lock and socket behind; started the way the entry says, the next
-    // one still runs, and its switch, read from the file, removes the entry.
+    // Killed outright, a copy leaves its lock and socket behind; the next one, the installed program in a
+    // mount namespace where the build folder is an empty tmpfs, still runs, and its switch, read from the
+    // file, removes the entry.
     ::kill(pid_t(x.app()->processId()), SIGKILL);
     ASSERT_TRUE(x.app()->waitForFinished(10000));
     ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
-    QProcess started;
-    started.setProcessEnvironment(x.environment());
-    started.start(exec.mid(5), {});
+    ASSERT_TRUE(x.startApp({}, {"unshare", "--map-root-user", "--mount", "sh", "-c",
+                                "mount -t tmpfs none \"$1\" && exec \"$2\"", "sh", build, usr + "/bin/OmbrixWidget"}));
     flipSwitch(true);
     EXPECT_TRUE(entryIs(false));
-    started.terminate();
-    started.waitForFinished(10000);
-}
-
-TEST(Desktop, InstalledFilesAreValidAndTheInstalledProgramRunsWithoutTheBuildFolder)
-{
-    QTemporaryDir dest;
-    const QString build = QFileInfo(buildDir()).canonicalFilePath(), usr = dest.path() + "/usr";
-    const QString id = "com.ombrixwidget.OmbrixWidget";
-    auto env = QProcessEnvironment::systemEnvironment();
-    env.insert("DESTDIR", dest.path());
-    ASSERT_EQ(runProgram("cmake", {"--install", build, "--prefix", "/usr"}, env).code, 0);
-    QStringList files = {"bin/OmbrixWidget", "share/applications/" + id + ".desktop",
-                         "share/metainfo/" + id + ".metainfo.xml", "share/icons/hicolor/scalable/apps/" + id + ".svg"};
-    for (int px : {16, 22, 24, 32, 48, 64, 128, 256})
-        files << QString("share/icons/hicolor/%1x%1/apps/%2.png").arg(px).arg(id);
-    for (const QString& f : files)
-        EXPECT_TRUE(QFileInfo(usr + "/" + f).isFile()) << f.toStdString();
-    for (const QStringList& validate :
-         {QStringList{"desktop-file-validate", usr + "/share/applications/" + id + ".desktop"},
-          {"appstreamcli", "validate", "--no-net", usr + "/share/metainfo/" + id + ".metainfo.xml"}}) {
-        const Outcome r = runProgram(validate.first(), validate.mid(1), env);
-        EXPECT_EQ(r.code, 0) << r.out.toStdString();
-    }
-    // In a mount namespace where the build folder is an empty tmpfs.
-    XSession x;
-    ASSERT_TRUE(x.ok());
-    QProcess app;
-    app.setProcessEnvironment(x.environment());
-    app.start("unshare", {"--map-root-user", "--mount", "sh", "-c", "mount -t tmpfs none \"$1\" && exec \"$2\"", "sh",
-                          build, usr + "/bin/OmbrixWidget"});
-    EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
-    EXPECT_EQ(app.state(), QProcess::Running);
-    app.terminate();
-    app.waitForFinished(10000);
 }

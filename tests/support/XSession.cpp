@@ -1,6 +1,5 @@
 #include "XSession.h"
 
-#include "DefaultsSuite.h"
 #include "SettingsManager.h"
 
 #include <QCoreApplication>
@@ -40,8 +39,10 @@ bool XSession::waitFor(const std::function<bool()>& condition, int timeoutMs)
 
 XSession::XSession(XSessionOptions options)
 {
-    // Xvfb picks a free display and writes its number to the descriptor we name: its output.
-    startHelper("Xvfb", {"-displayfd", "1", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
+    // Xvfb picks a free display and writes its number to the descriptor we name: its output. By default
+    // it resets when its last client leaves and refuses connections meanwhile: a look at the root before
+    // the manager connected then made the manager fail to open the display.
+    startHelper("Xvfb", {"-displayfd", "1", "-noreset", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
     QByteArray number;
     if (!waitFor([&] { return (number += m_helpers.back()->readAllStandardOutput()).contains('\n'); }))
         return;
@@ -59,13 +60,14 @@ XSession::XSession(XSessionOptions options)
     }
     if (wm == "xfwm4")
         wmArgs = {"--compositor=off"};
-    // On a loaded machine a manager now and then never gets going on a new display; another start does.
+    // A manager that exits is started again; one that runs gets time to answer on a loaded machine.
     const auto managed = [&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); };
     for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
-        startHelper(wm, wmArgs);
-        m_managed = waitFor(managed, 15000);
-        if (!m_managed)
+        if (attempt)
             m_helpers.pop_back();
+        startHelper(wm, wmArgs);
+        const QProcess* p = m_helpers.back().get();
+        m_managed = waitFor([&] { return p->state() == QProcess::NotRunning || managed(); }, 60000) && managed();
     }
     if (options.tray)
         startHelper("trayer", {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
@@ -76,8 +78,13 @@ XSession::XSession(XSessionOptions options)
 XSession::~XSession()
 {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    if (ok() && test && ::testing::Test::HasFailure())
-        grabScreen().save(artifactsDir() + QString("/failed-%1.%2.png").arg(test->test_suite_name(), test->name()));
+    if (test && ::testing::Test::HasFailure()) {
+        const QString failed = artifactsDir() + QString("/failed-%1.%2").arg(test->test_suite_name(), test->name());
+        QFile::remove(failed + ".log");
+        QFile::copy(home() + "/helpers.log", failed + ".log"); // what the display and its helpers said
+        if (ok())
+            grabScreen().save(failed + ".png");
+    }
     stopApp();
     while (!m_helpers.empty())
         m_helpers.pop_back(); // the display last
@@ -137,7 +144,7 @@ void XSession::startHelper(const QString& program, const QStringList& args)
     });
     QProcess* p = m_helpers.back().get();
     p->setProcessEnvironment(environment());
-    p->setStandardErrorFile(QProcess::nullDevice());
+    p->setStandardErrorFile(home() + "/helpers.log", QIODevice::Append);
     if (program != "Xvfb")
         p->setStandardOutputFile(QProcess::nullDevice());
     p->start(program, args);
@@ -185,14 +192,15 @@ bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
     return moving;
 }
 
-bool XSession::startApp(const QProcessEnvironment& extra)
+bool XSession::startApp(const QProcessEnvironment& extra, const QStringList& command)
 {
+    const QStringList program = command.isEmpty() ? QStringList{buildDir() + "/OmbrixWidget"} : command;
     m_app = std::make_unique<QProcess>();
     QProcessEnvironment env = environment();
     env.insert(extra);
     m_app->setProcessEnvironment(env);
     m_app->setProcessChannelMode(QProcess::ForwardedChannels);
-    m_app->start(buildDir() + "/OmbrixWidget", {});
+    m_app->start(program.first(), program.mid(1));
     return m_app->waitForStarted(10000);
 }
 

@@ -36,7 +36,6 @@ class XSession {
     ~XSession();
 
     bool ok() const { return !m_display.isEmpty() && m_managed; }
-    QString display() const { return m_display; }
     QString home() const { return m_home.path(); }
     QProcessEnvironment environment() const;
 
@@ -58,8 +57,8 @@ class XSession {
     }
     bool drag(const QString& windowId, QPoint from, QPoint to) const;
 
-    // build/OmbrixWidget on this display, with `extra` variables (a private bus, for one).
-    bool startApp(const QProcessEnvironment& extra = {});
+    // build/OmbrixWidget (or `command`) on this display, with `extra` variables (a private bus, for one).
+    bool startApp(const QProcessEnvironment& extra = {}, const QStringList& command = {});
     void stopApp();
     QProcess* app() { return m_app.get(); }
 
