@@ -2,7 +2,7 @@
 # Sets DISPLAY. Optional: OMBRIX_TRAY=1 starts trayer, OMBRIX_COMPOSITE=1 starts xcompmgr.
 ombrix_start_x() {
   local fdfile; fdfile=$(mktemp)
-  Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp 3>"$fdfile" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp -noreset 3>"$fdfile" >/dev/null 2>&1 &
   OMBRIX_XVFB_PID=$!
   for _ in $(seq 100); do [ -s "$fdfile" ] && break; sleep 0.1; done
   export DISPLAY=":$(head -n1 "$fdfile")"

@@ -12,13 +12,7 @@
 #include "XSession.h"
 
 #include <QFontMetricsF>
-#include <QtQml/qqmlextensionplugin.h>
 #include <gtest/gtest.h>
-
-// The app's QML modules are static: their plugins are pulled in here once for the test binary.
-Q_IMPORT_QML_PLUGIN(Ombrix_SettingsPlugin)
-Q_IMPORT_QML_PLUGIN(Ombrix_WidgetWindowPlugin)
-Q_IMPORT_QML_PLUGIN(Ombrix_WidgetViewsPlugin)
 
 namespace {
 
