@@ -24,8 +24,8 @@ int main(int argc, char** argv)
         return 2;
     }
     QList<QRect> areas;
-    for (const QString& spec : qEnvironmentVariable("OMBRIX_DIFF_AREAS").simplified().split(' ', Qt::SkipEmptyParts)) {
-        const QStringList n = spec.split(',');
+    for (const QString& area : qEnvironmentVariable("OMBRIX_DIFF_AREAS").simplified().split(' ', Qt::SkipEmptyParts)) {
+        const QStringList n = area.split(',');
         if (n.size() == 4)
             areas << QRect(n[0].toInt(), n[1].toInt(), n[2].toInt(), n[3].toInt());
     }
