@@ -174,20 +174,21 @@ QString SettingsManager::sharedDataFilePath()
 
 void SettingsManager::updateSharedWidgetData()
 {
-    const QString path = sharedDataFilePath();
-    QDir().mkpath(QFileInfo(path).absolutePath());
     SharedWidgetData copy = m_sharedData;
     copy.clockStyle = m_clockStyle;
     const auto bytes = copy.encode();
     if (!bytes)
         return;
-    QFile f(path);
-    // Polls mostly find the same readings: the file is left alone when it already holds these bytes.
-    if (f.open(QIODevice::ReadOnly) && f.size() == bytes->size() && f.readAll() == *bytes)
+    const QString path = sharedDataFilePath();
+    // Polls mostly find the same readings: the file is left alone while it holds the bytes last written.
+    if (path == m_sharedDataPath && *bytes == m_sharedDataBytes && QFileInfo::exists(path))
         return;
-    f.close();
-    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        f.write(*bytes);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(*bytes) == bytes->size()) {
+        m_sharedDataPath = path;
+        m_sharedDataBytes = *bytes;
+    }
 }
 
 std::optional<QString> SettingsManager::configString(const QString& key) const

@@ -113,4 +113,7 @@ class SettingsManager : public QObject {
     bool saveForKind(const QString& kind, const char* property, const char* key, const QVariant& value);
 
     std::unique_ptr<DefaultsSuite> m_defaults;
+    // Where the shared data file was last written, and with what.
+    QString m_sharedDataPath;
+    QByteArray m_sharedDataBytes;
 };
