@@ -5,8 +5,9 @@
 #include "FakePowerSupplyTree.h"
 #include "PixelChecks.h"
 #include "PrivateBus.h"
-#include "ReplayProcess.h"
+#include "ReplayServer.h"
 #include "UPowerMock.h"
+#include "WeatherFixtures.h"
 #include "XSession.h"
 
 #include <QDBusReply>
@@ -78,21 +79,23 @@ TEST(AppEndToEnd, TheClockTicksARealPlayerShowsAndPausesAndADragSnapsAndIsKept)
 TEST(AppEndToEnd, BatteriesAndWeatherFromTheirSourcesThePanelSwitchesAWidgetOnAndFindsACityTheTrayQuits)
 {
     XSession x(XSessionOptions{.tray = true});
-    ReplayProcess server(x.home() + "/replies");
+    ReplayServer server;
     FakePowerSupplyTree tree;
     UPowerMock upower;
-    ASSERT_TRUE(x.ok() && server.start() && upower.isRunning());
+    ASSERT_TRUE(x.ok() && server.listen() && upower.isRunning());
     upower.addPeripheral("AirPods Pro", 40, UPowerMock::headset, "/org/bluez/hci0/dev_AA_BB_CC_DD_EE_FF");
     tree.addLaptopBattery("BAT0", 15, "Charging");
     tree.addMains("AC", true);
     tree.addDeviceBattery("hid-mouse-battery", "Magic Mouse", 64);
+    server.setJson("/json/", samples::ipMilan);
+    server.setJson("/v1/forecast", samples::forecastMilan);
+    server.setJson("/v1/search", samples::geoMilano);
     auto suite = x.settings();
     suite->setObject(tree.root(), SystemBatteryTexts::rootConfigKey);
+    for (auto service :
+         {WeatherMonitor::Service::IpApi, WeatherMonitor::Service::Geocoding, WeatherMonitor::Service::Forecast})
+        suite->setObject(server.baseUrl(), WeatherMonitor::configKey(service));
     suite->synchronize();
-    writeFile(x.home() + "/replies/geo.json", samples::geoMilano);
-    server.serve(R"({"/json/": {"file": "ip.json"}, "/v1/forecast": {"file": "forecast.json"},
-                    "/v1/search": {"file": "geo.json"}})");
-    x.pointWeatherAt(server.baseUrl());
     x.enable({"weather"});
     x.enable({"battery"}, "medium");
     QProcessEnvironment env;
@@ -131,7 +134,7 @@ TEST(AppEndToEnd, BatteriesAndWeatherFromTheirSourcesThePanelSwitchesAWidgetOnAn
         return data && WeatherSettings::fromJson(*data) == WeatherSettings{true, "Milano, Italia", 45.46427, 9.18951};
     }));
     EXPECT_TRUE(XSession::waitFor([&] {
-        return server.requests().join('\n').contains("GET /v1/forecast?latitude=45.46427&longitude=9.18951&");
+        return server.requestLines().join('\n').contains("GET /v1/forecast?latitude=45.46427&longitude=9.18951&");
     }));
     // Back on the first tab, the clock card's switch.
     ASSERT_TRUE(clickAndWait({60, 95}));

@@ -1,8 +1,8 @@
 #include "MusicWidgetModel.h"
 #include "../monitors/FakeScriptRunner.h"
-#include "ImageServer.h"
 #include "MusicMonitor.h"
 #include "MusicScripts.h"
+#include "ReplayServer.h"
 #include "SettingsManager.h"
 
 #include <QFile>
@@ -51,11 +51,12 @@ TEST(MusicWidgetRules, TextsColoursAndArtwork)
 
 TEST(MusicWidgetModel, StatesArtworkAndButtons)
 {
-    ImageServer server;
+    ReplayServer server;
+    ASSERT_TRUE(server.listen());
     QImage blue(8, 4, QImage::Format_RGB32);
     blue.fill(QColor(0, 0, 200));
-    server.serve("/a.png", ImageServer::png(blue));
-    server.serve("/page", "<html>not an image</html>", 500, "text/html");
+    server.setReply("/a.png", {200, ReplayServer::png(blue), "image/png"});
+    server.setReply("/page", {500, "<html>not an image</html>", "text/html"});
     auto* fake = new FakeScriptRunner;
     fake->replies.insert(musicscript::isRunning("Spotify"), "true");
     auto saved = MusicMonitor::shared().replaceRunner(std::unique_ptr<ScriptRunner>(fake));

@@ -1,7 +1,6 @@
 #include "../monitors/FakeScriptRunner.h"
 #include "BatteryMonitor.h"
 #include "ClockWidgetModel.h"
-#include "ImageServer.h"
 #include "MusicMonitor.h"
 #include "MusicScripts.h"
 #include "PixelChecks.h"
@@ -47,17 +46,16 @@ const QString kAccessories =
 
 TEST(WidgetViews, EveryLookAtBothThemes)
 {
-    ReplayServer weather;
-    ASSERT_TRUE(weather.listen());
-    pointWeatherServicesAt(weather.baseUrl());
+    ReplayServer server; // the weather services and the cover
+    ASSERT_TRUE(server.listen());
+    pointWeatherServicesAt(server.baseUrl());
     auto* texts = new FakeTexts;
     BatteryMonitor::shared().setTextSource(std::unique_ptr<BatteryTextSource>(texts));
     auto* runner = new FakeScriptRunner;
     auto previous = MusicMonitor::shared().replaceRunner(std::unique_ptr<ScriptRunner>(runner));
-    ImageServer images;
     QImage cover(64, 64, QImage::Format_RGB32);
     cover.fill(kCover);
-    images.serve("/cover.png", ImageServer::png(cover));
+    server.setReply("/cover.png", {200, ReplayServer::png(cover), "image/png"});
     ClockWidgetModel::setTimeSource([] { return QDateTime(QDate(2026, 11, 23), QTime(15, 30, 7)); });
     auto& s = SettingsManager::shared();
 
@@ -67,10 +65,10 @@ TEST(WidgetViews, EveryLookAtBothThemes)
         if (look.view == "Weather") {
             const QMap<QString, QByteArray> bodies{{"nodaily", samples::forecastNoDaily},
                                                    {"error", samples::openMeteoError}};
-            weather.setJson("/v1/forecast", bodies.value(state[0], samples::forecastMilan),
-                            state[0] == "error" ? 500 : 200);
+            server.setJson("/v1/forecast", bodies.value(state[0], samples::forecastMilan),
+                           state[0] == "error" ? 500 : 200);
             if (state[0] == "loading")
-                weather.setHang("/v1/forecast");
+                server.setHang("/v1/forecast");
         } else if (look.view == "Battery") {
             texts->pmset = QString("Now drawing from '%1'\n -InternalBattery-0 (id=1)\t%2%; %3;\n")
                                .arg(state[1] == "charging" ? "AC Power" : "Battery Power", state[0], state[1]);
@@ -80,7 +78,7 @@ TEST(WidgetViews, EveryLookAtBothThemes)
         } else if (look.view == "Music") { // Spotify plays (or nothing does), Apple Music is quiet
             runner->replies[musicscript::isRunning(musicscript::spotify)] = "true";
             runner->replies[musicscript::isRunning(musicscript::music)] = "false";
-            const QString art = state.size() > 1 ? images.url("/cover.png") : "";
+            const QString art = state.size() > 1 ? server.url("/cover.png") : "";
             runner->replies[musicscript::nowPlaying(musicscript::spotify)] =
                 state[0].isEmpty() ? "" : QStringList{look.text, look.text, art, state[0]}.join("|||");
         } else

@@ -1,6 +1,8 @@
 #pragma once
 // A loopback HTTP server for tests: a request gets the canned reply of its path (query ignored) or
 // 404, and every request line is kept byte for byte. One request per connection.
+#include <QBuffer>
+#include <QImage>
 #include <QMap>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -25,6 +27,7 @@ class ReplayServer : public QObject {
         return m_server.listen(QHostAddress::LocalHost, port);
     }
     QString baseUrl() const { return QString("http://127.0.0.1:%1").arg(m_server.serverPort()); }
+    QString url(const QString& path) const { return baseUrl() + path; }
 
     void setReply(const QString& path, const Reply& reply) { m_replies.insert(path, reply); }
     void setJson(const QString& path, const QByteArray& body, int status = 200) { setReply(path, {status, body}); }
@@ -32,6 +35,19 @@ class ReplayServer : public QObject {
 
     QList<QByteArray> requestLines() const { return m_requestLines; }
     void clearRequests() { m_requestLines.clear(); }
+    int requestCount(const QString& path) const
+    {
+        return int(m_requestLines.count("GET " + path.toUtf8() + " HTTP/1.1"));
+    }
+
+    static QByteArray png(const QImage& image)
+    {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+        return bytes;
+    }
 
   private:
     void answer(QTcpSocket* socket)

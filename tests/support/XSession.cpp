@@ -121,14 +121,6 @@ void XSession::enable(const QStringList& widgets, const QString& size)
     suite->synchronize();
 }
 
-void XSession::pointWeatherAt(const QString& base)
-{
-    auto suite = settings();
-    for (const char* service : {"ipapi", "geocoding", "forecast"})
-        suite->setObject(base, QString("service.%1.base").arg(service));
-    suite->synchronize();
-}
-
 std::optional<Position> XSession::storedPosition(const QString& widget) const
 {
     const auto data = settings()->dataForKey("widget." + widget + ".position");

@@ -39,10 +39,9 @@ class XSession {
     QString home() const { return m_home.path(); }
     QProcessEnvironment environment() const;
 
-    // The app's settings in this HOME, and three ways to set them before it starts.
+    // The app's settings in this HOME: widgets switched on before it starts, a position it stored.
     std::unique_ptr<DefaultsSuite> settings() const;
     void enable(const QStringList& widgets, const QString& size = {});
-    void pointWeatherAt(const QString& base = "http://127.0.0.1:9"); // a replay server, or a closed port
     std::optional<Position> storedPosition(const QString& widget) const;
 
     // A tool run on this display: its standard output, empty on failure.
