@@ -6,14 +6,8 @@
 
 namespace {
 const Rect V{0, 0, 1440, 900};
-Rect small(double x, double y)
-{
-    return Rect{x, y, 170, 170};
-}
-Rect medium(double x, double y)
-{
-    return Rect{x, y, 340, 170};
-}
+const auto small = [](double x, double y) { return Rect{x, y, 170, 170}; };
+const auto medium = [](double x, double y) { return Rect{x, y, 340, 170}; };
 } // namespace
 
 TEST(Snapping, TableOfMoves)

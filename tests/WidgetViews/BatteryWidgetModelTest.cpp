@@ -1,4 +1,5 @@
 #include "BatteryWidgetModel.h"
+#include "../monitors/FakeSources.h"
 #include "BatteryMonitor.h"
 #include "SettingsManager.h"
 
@@ -16,14 +17,6 @@ BatteryDevice device(const QString& type, qint64 percent, bool charging = false)
 }
 
 const QStringList allCategories = {"macbook", "watch", "mouse", "airpods"};
-
-struct FakeBatteryTexts : BatteryTextSource {
-    QString pmset, ioreg;
-    int reads = 0;
-    QString pmsetText() override { return ++reads, pmset; }
-    QString ioregText() override { return ioreg; }
-    QString computerName() override { return {}; }
-};
 
 } // namespace
 

@@ -1,5 +1,5 @@
 #include "MusicWidgetModel.h"
-#include "../monitors/FakeScriptRunner.h"
+#include "../monitors/FakeSources.h"
 #include "MusicMonitor.h"
 #include "MusicScripts.h"
 #include "ReplayServer.h"

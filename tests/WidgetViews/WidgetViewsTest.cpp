@@ -1,4 +1,4 @@
-#include "../monitors/FakeScriptRunner.h"
+#include "../monitors/FakeSources.h"
 #include "BatteryMonitor.h"
 #include "ClockWidgetModel.h"
 #include "MusicMonitor.h"
@@ -31,12 +31,6 @@ struct Look {
 const QColor kCover(40, 110, 220), kSpotify(29, 185, 84);
 const QString kLong = QString("Un nome lungo ").repeated(8);
 
-struct FakeTexts : BatteryTextSource {
-    QString pmset, ioreg, name;
-    QString pmsetText() override { return pmset; }
-    QString ioregText() override { return ioreg; }
-    QString computerName() override { return name; }
-};
 const QString kAccessories =
     "+-o AppleDeviceManagementHIDEventService\n {\n \"BatteryPercent\" = 50\n \"Product\" = \"Magic Mouse\"\n }\n"
     "+-o AppleDeviceManagementHIDEventService\n {\n \"BatteryPercent\" = 40\n \"Product\" = \"Studio Headphones\"\n "
@@ -49,7 +43,7 @@ TEST(WidgetViews, EveryLookAtBothThemes)
     ReplayServer server; // the weather services and the cover
     ASSERT_TRUE(server.listen());
     pointWeatherServicesAt(server.baseUrl());
-    auto* texts = new FakeTexts;
+    auto* texts = new FakeBatteryTexts;
     BatteryMonitor::shared().setTextSource(std::unique_ptr<BatteryTextSource>(texts));
     auto* runner = new FakeScriptRunner;
     auto previous = MusicMonitor::shared().replaceRunner(std::unique_ptr<ScriptRunner>(runner));

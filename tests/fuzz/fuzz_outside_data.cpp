@@ -1,6 +1,6 @@
 // Any bytes, given to every parser of outside data: the battery tools' texts (pmset before the first
 // NUL byte, ioreg after), a player's reply, the three weather services' bodies and the suite's file.
-#include "../monitors/FakeScriptRunner.h"
+#include "../monitors/FakeSources.h"
 #include "BatteryMonitor.h"
 #include "DefaultsSuite.h"
 #include "MusicMonitor.h"
