@@ -90,7 +90,7 @@ TEST_F(Registry, AMoveFromOutsideIsSnappedAndStoredOnceAndAResizeKeepsTheRightEd
     // Dropped left of the clock, far below it: its right edge goes to the clock's left one.
     WidgetWindow* w = app.widgetWindows().value("weather");
     const auto origin = [&] { return xOrigin(QString::number(w->winId())); };
-    runTool("xdotool", {"windowmove", QString::number(w->winId()), "1075", "430"});
+    runProgram("xdotool", {"windowmove", QString::number(w->winId()), "1075", "430"});
     EXPECT_TRUE(XSession::waitFor([&] { return !stored.isEmpty() && origin() == Position{1080, 300}; }));
     // The first store is already the snapped origin, not one a later move event brings.
     EXPECT_EQ(stored.value(0), (Position{1080, 300}));
@@ -125,7 +125,7 @@ TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelowAndIsKept)
     ASSERT_TRUE(XSession::waitFor([&] { return below.isExposed(); }));
     open({{"battery", {300, 430}}}); // X top-left at (300, 300)
     app.widgetWindows().value("battery")->installEventFilter(&onWidget);
-    const auto click = [] { runTool("xdotool", {"mousemove", "385", "385", "click", "1"}); };
+    const auto click = [] { runProgram("xdotool", {"mousemove", "385", "385", "click", "1"}); };
     click();
     EXPECT_TRUE(XSession::waitFor([&] { return onWidget.count == 1; }));
     EXPECT_EQ(onBelow.count, 0);

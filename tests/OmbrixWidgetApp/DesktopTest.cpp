@@ -8,26 +8,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-namespace {
-
-struct Outcome {
-    int code = -1;
-    QString out, err;
-};
-
-Outcome runProgram(const QString& program, const QStringList& args, const QProcessEnvironment& env)
-{
-    QProcess p; // killed on the way out if it hangs
-    p.setProcessEnvironment(env);
-    p.start(program, args);
-    const bool done = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit;
-    return {done ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-const QString kPanel = "OmbrixWidget Control Panel";
-
-} // namespace
+static const QString kPanel = "OmbrixWidget Control Panel";
 
 TEST(Desktop, CommandLineOptionsAndAMissingDisplayAnswerWithoutAWindow)
 {
@@ -50,7 +31,7 @@ TEST(Desktop, CommandLineOptionsAndAMissingDisplayAnswerWithoutAWindow)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString());
-        const Outcome r = runProgram(buildDir() + "/OmbrixWidget", c.args, env);
+        const ProgramRun r = runProgram(buildDir() + "/OmbrixWidget", c.args, env, 60000);
         EXPECT_EQ(r.code, c.code);
         EXPECT_TRUE(c.out.isEmpty() ? r.out.isEmpty() : r.out.startsWith(c.out)) << r.out.toStdString();
         EXPECT_EQ(r.err, c.err);
@@ -64,7 +45,7 @@ TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLog
     const QString id = "com.ombrixwidget.OmbrixWidget";
     auto env = QProcessEnvironment::systemEnvironment();
     env.insert("DESTDIR", dest.path());
-    ASSERT_EQ(runProgram("cmake", {"--install", build, "--prefix", "/usr"}, env).code, 0);
+    ASSERT_EQ(runProgram("cmake", {"--install", build, "--prefix", "/usr"}, env, 60000).code, 0);
     QStringList files = {"bin/OmbrixWidget", "share/applications/" + id + ".desktop",
                          "share/metainfo/" + id + ".metainfo.xml", "share/icons/hicolor/scalable/apps/" + id + ".svg"};
     for (int px : {16, 22, 24, 32, 48, 64, 128, 256})
@@ -74,7 +55,7 @@ TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLog
     for (const QStringList& validate :
          {QStringList{"desktop-file-validate", usr + "/share/applications/" + id + ".desktop"},
           {"appstreamcli", "validate", "--no-net", usr + "/share/metainfo/" + id + ".metainfo.xml"}}) {
-        const Outcome r = runProgram(validate.first(), validate.mid(1), env);
+        const ProgramRun r = runProgram(validate.first(), validate.mid(1), env, 60000);
         EXPECT_EQ(r.code, 0) << r.out.toStdString();
     }
 
@@ -108,7 +89,7 @@ TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLog
     ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed(kPanel).isEmpty(); }));
     env = x.environment();
     env.insert("DISPLAY", env.value("DISPLAY") + ".0"); // another spelling of the same display
-    EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env).code, 0);
+    EXPECT_EQ(runProgram(buildDir() + "/OmbrixWidget", {}, env, 60000).code, 0);
     EXPECT_FALSE(x.waitForWindow(kPanel).isEmpty());
     EXPECT_EQ(x.app()->state(), QProcess::Running);
     flipSwitch(false);

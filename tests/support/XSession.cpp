@@ -143,16 +143,15 @@ void XSession::startHelper(const QString& program, const QStringList& args)
     p->waitForStarted(10000);
 }
 
-QString runTool(const QString& program, const QStringList& args, const QProcessEnvironment& env, int timeoutMs)
+ProgramRun runProgram(const QString& program, const QStringList& args, const QProcessEnvironment& env, int timeoutMs)
 {
-    QProcess p;
+    QProcess p; // killed on the way out if it hangs
     p.setProcessEnvironment(env);
     p.start(program, args);
-    if (p.waitForFinished(timeoutMs))
-        return QString::fromUtf8(p.readAllStandardOutput());
-    p.kill();
-    p.waitForFinished(1000);
-    return {};
+    if (!p.waitForFinished(timeoutMs))
+        return {};
+    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
 }
 
 bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
@@ -222,7 +221,7 @@ QString XSession::waitForWindow(const QString& title, int timeoutMs) const
 
 QRect xGeometry(const QString& windowId, const QProcessEnvironment& env)
 {
-    const QString out = runTool("xwininfo", {"-id", windowId}, env);
+    const QString out = runProgram("xwininfo", {"-id", windowId}, env).out;
     const auto num = [&](const char* label) {
         return QRegularExpression(QString(label) + R"(:\s+(-?\d+))").match(out).captured(1).toInt();
     };

@@ -13,9 +13,14 @@
 #include <memory>
 #include <optional>
 
-// On the display `env` names (the run's own by default): a tool's output, empty on failure.
-QString runTool(const QString& program, const QStringList& args,
-                const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment(), int timeoutMs = 10000);
+// A program run with `env` (on the run's own display by default): its exit code and what it printed;
+// one that does not end in time is killed, code -1 and nothing printed.
+struct ProgramRun {
+    int code = -1;
+    QString out, err;
+};
+ProgramRun runProgram(const QString& program, const QStringList& args,
+                      const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment(), int timeoutMs = 10000);
 // A window's outer geometry in X coordinates (top left, y down), and its origin in the app's (bottom left, y up).
 QRect xGeometry(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
 Position xOrigin(const QString& windowId, const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
@@ -47,7 +52,7 @@ class XSession {
     // A tool run on this display: its standard output, empty on failure.
     QString run(const QString& program, const QStringList& args, int timeoutMs = 10000) const
     {
-        return runTool(program, args, environment(), timeoutMs);
+        return runProgram(program, args, environment(), timeoutMs).out;
     }
     // A real click; a press, a drag that waits for the window to follow, and a release.
     void click(QPoint at) const
