@@ -21,14 +21,9 @@ AppDelegate::AppDelegate(QObject* parent)
 {
     // Our modules' qmldir files sit under qrc:/<URI>/; through them one module uses another's QML types.
     m_engine->addImportPath("qrc:/");
-    // The panel writes the settings; the windows follow them.
-    connect(&m_settings, &SettingsManager::widgetEnabledChanged, this,
-            [this](const QString& name, bool on) { on ? spawnWidget(name) : despawnWidget(name); });
+    connect(&m_settings, &SettingsManager::widgetEnabledChanged, this, &AppDelegate::toggleWidget);
     connect(&m_settings, &SettingsManager::widgetSizeChanged, this, &AppDelegate::resizeWidget);
-    connect(&m_settings, &SettingsManager::clickThroughChanged, this, [this](const QString& name, bool on) {
-        if (WidgetWindow* window = m_widgetWindows.value(name))
-            window->setClickThrough(on);
-    });
+    connect(&m_settings, &SettingsManager::clickThroughChanged, this, &AppDelegate::updateClickThrough);
 }
 
 AppDelegate::~AppDelegate()
@@ -63,7 +58,7 @@ void AppDelegate::restoreWidgets()
 
 void AppDelegate::toggleWidget(const QString& name, bool enabled)
 {
-    m_settings.setWidgetEnabled(name, enabled);
+    enabled ? spawnWidget(name) : despawnWidget(name);
 }
 
 void AppDelegate::spawnWidget(const QString& name)
@@ -117,7 +112,8 @@ void AppDelegate::resizeWidget(const QString& name, const QString& size)
 
 void AppDelegate::updateClickThrough(const QString& name, bool enabled)
 {
-    m_settings.setClickThrough(name, enabled);
+    if (WidgetWindow* window = m_widgetWindows.value(name))
+        window->setClickThrough(enabled);
 }
 
 std::optional<Position> AppDelegate::getSavedPosition(const QString& name) const

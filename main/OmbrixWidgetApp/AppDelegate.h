@@ -28,6 +28,7 @@ class AppDelegate : public QObject {
     void applicationWillTerminate();
 
     void restoreWidgets();
+    // What the windows do when the store's switches change: the panel writes the store, not the windows.
     void toggleWidget(const QString& name, bool enabled);
     void spawnWidget(const QString& name);
     void despawnWidget(const QString& name);

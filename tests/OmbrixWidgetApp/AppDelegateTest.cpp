@@ -129,7 +129,7 @@ TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelowAndIsKept)
     click();
     EXPECT_TRUE(XSession::waitFor([&] { return onWidget.count == 1; }));
     EXPECT_EQ(onBelow.count, 0);
-    app.updateClickThrough("battery", true);
+    settings().setClickThrough("battery", true);
     // The window system takes the change a moment later: clicks until one goes through.
     EXPECT_TRUE(XSession::waitFor([&] { return click(), XSession::waitFor([&] { return onBelow.count > 0; }, 500); }));
     settings().loadSettings();
@@ -137,6 +137,6 @@ TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelowAndIsKept)
     app.toggleWidget("battery", false);
     app.toggleWidget("battery", true);
     EXPECT_TRUE(app.widgetWindows().value("battery")->ignoresMouseEvents());
-    app.updateClickThrough("battery", false);
+    settings().setClickThrough("battery", false);
     EXPECT_FALSE(app.widgetWindows().value("battery")->ignoresMouseEvents());
 }
