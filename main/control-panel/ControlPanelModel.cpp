@@ -59,36 +59,6 @@ void ControlPanelModel::setWeatherAutoMode(bool automatic)
     s.saveWeatherSettings(copy);
 }
 
-void ControlPanelModel::setWidgetEnabled(const QString& name, bool enabled)
-{
-    SettingsManager::shared().setWidgetEnabled(name, enabled);
-}
-
-void ControlPanelModel::setClickThrough(const QString& name, bool enabled)
-{
-    SettingsManager::shared().setClickThrough(name, enabled);
-}
-
-void ControlPanelModel::setWidgetSize(const QString& name, const QString& size)
-{
-    SettingsManager::shared().setWidgetSize(name, size);
-}
-
-void ControlPanelModel::setClockStyle(const QString& style)
-{
-    SettingsManager::shared().setClockFace(style);
-}
-
-void ControlPanelModel::setGlassTheme(const QString& theme)
-{
-    SettingsManager::shared().setTheme(theme);
-}
-
-void ControlPanelModel::setDeviceVisible(const QString& key, bool visible)
-{
-    SettingsManager::shared().setDeviceVisible(key, visible);
-}
-
 void ControlPanelModel::saveManualLocation()
 {
     const QString name = m_manualCity.trimmed();

@@ -1,6 +1,6 @@
 #pragma once
-// The Control Panel's view state and what each of its controls does. Settings go to the store's
-// typed setters, whose signals the application follows; the QML tree only binds to it.
+// The Control Panel's view state and what its location, login and window controls do. The other
+// controls bind to the settings store and call its typed setters, whose signals the application follows.
 #include <QColor>
 #include <QObject>
 #include <QQuickItem>
@@ -45,12 +45,6 @@ class ControlPanelModel : public QObject {
     // The panel came on screen: the location controls take the stored values.
     Q_INVOKABLE void appear();
 
-    Q_INVOKABLE void setWidgetEnabled(const QString& name, bool enabled);
-    Q_INVOKABLE void setClickThrough(const QString& name, bool enabled);
-    Q_INVOKABLE void setWidgetSize(const QString& name, const QString& size);
-    Q_INVOKABLE void setClockStyle(const QString& style);
-    Q_INVOKABLE void setGlassTheme(const QString& theme);
-    Q_INVOKABLE void setDeviceVisible(const QString& key, bool visible);
     Q_INVOKABLE void saveManualLocation();
 
     // The window has no title bar: it is moved by a press on its background and has its own

@@ -44,7 +44,7 @@ ColumnLayout {
             label: "Tema Vetro Widget"
             options: ({ "transparent": "Liquid Glass Trasparente", "opaque": "Liquid Glass Opaco" })
             selection: Settings.glassTheme
-            onPicked: (v) => tab.model.setGlassTheme(v)
+            onPicked: (v) => Settings.setTheme(v)
         }
     }
 

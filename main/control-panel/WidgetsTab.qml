@@ -22,21 +22,21 @@ ColumnLayout {
         objectName: "card-clock"
         title: "Orologio & Data"; description: "Analogico o digitale minimalista"; icon: "clock"
         enabled: Settings.clockEnabled
-        onToggled: (v) => tab.model.setWidgetEnabled("clock", v)
+        onToggled: (v) => Settings.setWidgetEnabled("clock", v)
         ToggleRow {
             objectName: "clickThrough-clock"
             label: "Cliccabile attraverso"; value: Settings.clockClickThrough
-            onToggled: (v) => tab.model.setClickThrough("clock", v)
+            onToggled: (v) => Settings.setClickThrough("clock", v)
         }
         PickerRow {
             objectName: "style-clock"
             label: "Stile orologio"; options: tab.clockStyles; selection: Settings.clockStyle
-            onPicked: (v) => tab.model.setClockStyle(v)
+            onPicked: (v) => Settings.setClockFace(v)
         }
         PickerRow {
             objectName: "size-clock"
             label: "Dimensione widget"; options: tab.sizes; selection: Settings.clockSize
-            onPicked: (v) => tab.model.setWidgetSize("clock", v)
+            onPicked: (v) => Settings.setWidgetSize("clock", v)
         }
     }
 
@@ -44,16 +44,16 @@ ColumnLayout {
         objectName: "card-weather"
         title: "Meteo"; description: "Temperatura, condizioni e H/L"; icon: "cloud.sun"
         enabled: Settings.weatherEnabled
-        onToggled: (v) => tab.model.setWidgetEnabled("weather", v)
+        onToggled: (v) => Settings.setWidgetEnabled("weather", v)
         ToggleRow {
             objectName: "clickThrough-weather"
             label: "Cliccabile attraverso"; value: Settings.weatherClickThrough
-            onToggled: (v) => tab.model.setClickThrough("weather", v)
+            onToggled: (v) => Settings.setClickThrough("weather", v)
         }
         PickerRow {
             objectName: "size-weather"
             label: "Dimensione widget"; options: tab.sizes; selection: Settings.weatherSize
-            onPicked: (v) => tab.model.setWidgetSize("weather", v)
+            onPicked: (v) => Settings.setWidgetSize("weather", v)
         }
     }
 
@@ -61,16 +61,16 @@ ColumnLayout {
         objectName: "card-battery"
         title: "Batteria"; description: "Carica e stato di alimentazione"; icon: "battery.100"
         enabled: Settings.batteryEnabled
-        onToggled: (v) => tab.model.setWidgetEnabled("battery", v)
+        onToggled: (v) => Settings.setWidgetEnabled("battery", v)
         ToggleRow {
             objectName: "clickThrough-battery"
             label: "Cliccabile attraverso"; value: Settings.batteryClickThrough
-            onToggled: (v) => tab.model.setClickThrough("battery", v)
+            onToggled: (v) => Settings.setClickThrough("battery", v)
         }
         PickerRow {
             objectName: "size-battery"
             label: "Dimensione widget"; options: tab.sizes; selection: Settings.batterySize
-            onPicked: (v) => tab.model.setWidgetSize("battery", v)
+            onPicked: (v) => Settings.setWidgetSize("battery", v)
         }
         Item {
             Layout.fillWidth: true
@@ -104,7 +104,7 @@ ColumnLayout {
                             Layout.fillWidth: true
                             label: modelData.label
                             checked: Settings.batteryVisibleDevices.indexOf(modelData.key) >= 0
-                            onToggled: (v) => tab.model.setDeviceVisible(modelData.key, v)
+                            onToggled: (v) => Settings.setDeviceVisible(modelData.key, v)
                         }
                     }
                 }
@@ -116,16 +116,16 @@ ColumnLayout {
         objectName: "card-music"
         title: "Now Playing"; description: "Spotify, Apple Music in tempo reale"; icon: "music.note"
         enabled: Settings.musicEnabled
-        onToggled: (v) => tab.model.setWidgetEnabled("music", v)
+        onToggled: (v) => Settings.setWidgetEnabled("music", v)
         ToggleRow {
             objectName: "clickThrough-music"
             label: "Cliccabile attraverso"; value: Settings.musicClickThrough
-            onToggled: (v) => tab.model.setClickThrough("music", v)
+            onToggled: (v) => Settings.setClickThrough("music", v)
         }
         PickerRow {
             objectName: "size-music"
             label: "Dimensione widget"; options: tab.sizes; selection: Settings.musicSize
-            onPicked: (v) => tab.model.setWidgetSize("music", v)
+            onPicked: (v) => Settings.setWidgetSize("music", v)
         }
     }
 }
