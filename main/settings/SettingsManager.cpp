@@ -122,8 +122,7 @@ void SettingsManager::setDeviceVisible(const QString& key, bool visible)
 
 void SettingsManager::saveWeatherSettings(const WeatherSettings& settings)
 {
-    m_defaults->setObject(settings.toJson(), "weather");
-    m_defaults->synchronize();
+    saveSetting(settings.toJson(), "weather");
     setWeatherSettings(settings);
 }
 
