@@ -85,7 +85,13 @@ XSession::~XSession()
         if (ok())
             grabScreen().save(failed + ".png");
     }
-    stopApp();
+    if (m_app && m_app->state() != QProcess::NotRunning) {
+        m_app->terminate();
+        if (!m_app->waitForFinished(10000))
+            m_app->kill();
+        m_app->waitForFinished(2000);
+    }
+    m_app.reset();
     while (!m_helpers.empty())
         m_helpers.pop_back(); // the display last
 }
@@ -193,17 +199,6 @@ bool XSession::startApp(const QProcessEnvironment& extra, const QStringList& com
     m_app->setProcessChannelMode(QProcess::ForwardedChannels);
     m_app->start(program.first(), program.mid(1));
     return m_app->waitForStarted(10000);
-}
-
-void XSession::stopApp()
-{
-    if (m_app && m_app->state() != QProcess::NotRunning) {
-        m_app->terminate();
-        if (!m_app->waitForFinished(10000))
-            m_app->kill();
-        m_app->waitForFinished(2000);
-    }
-    m_app.reset();
 }
 
 QStringList XSession::windowsNamed(const QString& title) const

@@ -63,7 +63,6 @@ class XSession {
 
     // build/OmbrixWidget (or `command`) on this display, with `extra` variables (a private bus, for one).
     bool startApp(const QProcessEnvironment& extra = {}, const QStringList& command = {});
-    void stopApp();
     QProcess* app() { return m_app.get(); }
 
     // Windows by exact title, as X ids; the one visible window of a title, waited for.
