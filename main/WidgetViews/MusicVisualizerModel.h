@@ -32,10 +32,8 @@ class MusicVisualizerModel : public QObject {
     static qreal eased(qreal from, qreal to, qreal progress);
 
     QList<qreal> heights() const { return m_heights; }
-    QList<qreal> targets() const { return m_targets; }
     bool active() const { return m_active; }
     void setActive(bool active);
-    bool isTicking() const { return m_timer.isActive(); }
 
     // Every bar draws a new height and starts easing towards it from where it stands.
     void tick();

@@ -1,5 +1,7 @@
 #include "MusicScripts.h"
 
+#include <QStringList>
+
 namespace musicscript {
 
 QString nowPlaying(const QString& app)
