@@ -64,10 +64,11 @@ powersupply::Reading UPowerDevices::reading() const
     for (const QVariantMap& properties : m_devices)
         addDevice(reading, properties);
     // The hash has no order of its own; listing the peripherals by name keeps the rings still.
-    std::sort(reading.peripherals.begin(), reading.peripherals.end(),
-              [](const auto& a, const auto& b) { return a.nativeName < b.nativeName; });
-    std::sort(reading.system.begin(), reading.system.end(),
-              [](const auto& a, const auto& b) { return a.nativeName < b.nativeName; });
+    const auto byName = [](const powersupply::Battery& a, const powersupply::Battery& b) {
+        return a.nativeName < b.nativeName;
+    };
+    std::sort(reading.peripherals.begin(), reading.peripherals.end(), byName);
+    std::sort(reading.system.begin(), reading.system.end(), byName);
     return reading;
 }
 
