@@ -71,8 +71,14 @@ QImage readPixels(xcb_connection_t* c, xcb_drawable_t d, const QRect& r)
         size_t(xcb_get_image_data_length(reply)) >= rowBytes * size_t(r.height())) {
         image = QImage(r.size(), QImage::Format_RGB32);
         const uint8_t* data = xcb_get_image_data(reply);
-        for (int y = 0; y < r.height(); ++y)
-            memcpy(image.scanLine(y), data + size_t(y) * rowBytes, rowBytes);
+        // The top byte of a depth-24 pixel is padding that setters leave as they please (feh's
+        // scaled pixmaps leave it unset); RGB32 wants it 0xff, or the unblurred corners go clear.
+        for (int y = 0; y < r.height(); ++y) {
+            const auto* in = reinterpret_cast<const uint32_t*>(data + size_t(y) * rowBytes);
+            auto* out = reinterpret_cast<QRgb*>(image.scanLine(y));
+            for (int x = 0; x < r.width(); ++x)
+                out[x] = in[x] | 0xff000000u;
+        }
     }
     free(reply);
     return image;
