@@ -141,8 +141,8 @@ void MusicWidgetModel::extractAverageColor(const std::optional<QString>& address
     // decodes as an image is used, anything else changes nothing.
     connect(reply, &QNetworkReply::finished, this, [this, reply] {
         reply->deleteLater();
-        // A reply cut off for its size is closed, with nothing to read.
-        const QImage picture = reply->isOpen() ? QImage::fromData(reply->readAll()) : QImage();
+        const auto body = outside::readBody(reply, outside::maxArtworkBytes);
+        const QImage picture = body ? QImage::fromData(*body) : QImage();
         if (!picture.isNull()) {
             setImage(picture);
             if (const auto color = averageColor(picture))

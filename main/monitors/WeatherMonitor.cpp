@@ -160,8 +160,9 @@ void WeatherMonitor::get(Service service, const QByteArray& path, const std::opt
         QObject::connect(context, &QObject::destroyed, reply, &QNetworkReply::abort);
     QObject::connect(reply, &QNetworkReply::finished, reply, [reply, deliver] {
         reply->deleteLater();
-        if (arrivedWhole(reply))
-            deliver(reply->readAll());
+        const auto body = arrivedWhole(reply) ? outside::readBody(reply, outside::maxReplyBytes) : std::nullopt;
+        if (body)
+            deliver(*body);
         else {
             qCWarning(lcMonitors) << "weather request failed:" << reply->url().path() << reply->errorString();
             deliver(WeatherError{WeatherError::Kind::Transport, reply->errorString()});

@@ -26,6 +26,20 @@ void limitBody(QNetworkReply* reply, qint64 maxBytes)
         if (received > maxBytes)
             reply->abort();
     });
+    QObject::connect(reply, &QIODevice::readyRead, reply, [reply, maxBytes] {
+        if (reply->bytesAvailable() > maxBytes)
+            reply->abort();
+    });
+}
+
+std::optional<QByteArray> readBody(QNetworkReply* reply, qint64 maxBytes)
+{
+    if (!reply->isOpen())
+        return std::nullopt;
+    QByteArray body = reply->read(maxBytes + 1);
+    if (body.size() > maxBytes)
+        return std::nullopt;
+    return body;
 }
 
 } // namespace outside

@@ -1,7 +1,9 @@
 #pragma once
 // Limits on data from outside the program (replies of web services, players, tools), so a broken or
 // hostile peer costs at most a refused reply or a shortened text, never memory, time or settings.
+#include <QByteArray>
 #include <QString>
+#include <optional>
 
 class QNetworkReply;
 
@@ -22,5 +24,8 @@ QString cutText(const QString& text);
 // Aborts `reply` as soon as its announced length or the bytes received pass `maxBytes`; an aborted
 // reply ends as OperationCanceledError with nothing to read.
 void limitBody(QNetworkReply* reply, qint64 maxBytes);
+// The body of a finished reply, or nothing when it holds more than `maxBytes`: a body sent without
+// a length can arrive whole before any progress is told, so what was read is counted again here.
+std::optional<QByteArray> readBody(QNetworkReply* reply, qint64 maxBytes);
 
 } // namespace outside

@@ -63,14 +63,20 @@ TEST(WeatherMonitor, HostsRequestsRepliesAndFailures)
                            "GET /v1/forecast?latitude=45.0&longitude=-0.5" + daily + " HTTP/1.1",
                            "GET /v1/forecast?latitude=0.0000001&longitude=0.30000000000000004" + daily + " HTTP/1.1"}));
 
-    // The status is never looked at; a megabyte is refused however well it would read.
+    // The status is never looked at; past a mebibyte a reply is refused however well it would read,
+    // with a length announced or not.
     const std::tuple<const char*, ReplayServer::Reply, char, const char*> replies[] = {
         {"/json/", {500, samples::ipMilan}, 'i', "ok"},
         {"/v1/search", {200, samples::geoMilano}, 's', "Milano, Italia 45.4643 9.18951"},
         {"/v1/search", {200, samples::geoNone}, 's', "none"},
         {"/v1/search", {200, samples::geoEmpty}, 's', "none"},
         {"/v1/forecast", {500, samples::openMeteoError}, 'f', "decoding"},
-        {"/v1/forecast", {200, QByteArray(outside::maxReplyBytes, ' ') + samples::forecastMilan}, 'f', "transport"},
+        {"/v1/forecast", {200, QByteArray(1'000'000, ' ') + samples::forecastMilan}, 'f', "ok"},
+        {"/v1/forecast", {200, QByteArray(1 << 20, ' ') + samples::forecastMilan}, 'f', "transport"},
+        {"/v1/forecast",
+         {200, QByteArray(1536 << 10, ' ') + samples::forecastMilan, {}, false, true},
+         'f',
+         "transport"},
     };
     for (const auto& [path, reply, call, answer] : replies) {
         server.setReply(path, reply);

@@ -14,6 +14,7 @@ class ReplayServer : public QObject {
         QByteArray body;
         QByteArray contentType = "application/json; charset=utf-8";
         bool hang = false;
+        bool unsized = false; // no Content-Length: the closed connection ends the body
     };
 
     bool listen(quint16 port = 0) // on 127.0.0.1
@@ -64,7 +65,8 @@ class ReplayServer : public QObject {
             return;
         const QByteArray answer =
             "HTTP/1.1 " + QByteArray::number(r.status) + " Replay\r\nContent-Type: " + r.contentType +
-            "\r\nContent-Length: " + QByteArray::number(r.body.size()) + "\r\nConnection: close\r\n\r\n" + r.body;
+            (r.unsized ? QByteArray() : "\r\nContent-Length: " + QByteArray::number(r.body.size())) +
+            "\r\nConnection: close\r\n\r\n" + r.body;
         socket->write(answer);
         socket->disconnectFromHost();
     }
