@@ -77,7 +77,7 @@ TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
          "",
          product(QString(5000, 'N'), 50),
          {mac(100, false),
-          {QString(outside::maxTextLength, 'n'), QString(outside::maxTextLength, 'N'), 50, false, "accessory"}}},
+          {QString(256, 'n'), QString(256, 'N'), 50, false, "accessory"}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);

@@ -36,5 +36,5 @@ TEST(WeatherReplies, RequiredFieldsWithTheirTypesAndNamesCutShort)
     const auto geo = std::get<GeocodingResponse>(
         GeocodingResponse::decode(R"({"results":[{"latitude":1,"longitude":2,"name":")" + names + "}]}"));
     EXPECT_EQ(QStringList({ip.city, ip.country, geo.results->first().name, geo.results->first().country}),
-              QStringList(4, QString(outside::maxTextLength, 'x')));
+              QStringList(4, QString(256, 'x')));
 }
