@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 
 #include "AppLog.h"
+#include "Autostart.h"
 #include "Screen.h"
 #include "SettingsManager.h"
 #include "Snapping.h"
@@ -34,13 +35,16 @@ AppDelegate::~AppDelegate()
     delete m_controlPanelWindow;
 }
 
-void AppDelegate::applicationDidFinishLaunching()
+void AppDelegate::applicationDidFinishLaunching(bool showPanel)
 {
     // There is no dock to leave: the tray item and the panel are the way in.
     setupStatusBarItem();
     createControlPanelWindow();
     restoreWidgets();
-    showControlPanel();
+    // A login entry of an earlier version would open the panel at every login.
+    autostart::upgrade(QCoreApplication::applicationFilePath());
+    if (showPanel)
+        showControlPanel();
 }
 
 void AppDelegate::applicationWillTerminate()

@@ -24,7 +24,8 @@ class AppDelegate : public QObject {
     explicit AppDelegate(QObject* parent = nullptr);
     ~AppDelegate() override;
 
-    void applicationDidFinishLaunching();
+    // A quiet start (at login) restores the widgets and the tray item without showing the panel.
+    void applicationDidFinishLaunching(bool showPanel = true);
     void applicationWillTerminate();
 
     void restoreWidgets();
@@ -45,6 +46,9 @@ class AppDelegate : public QObject {
 
     const QMap<QString, WidgetWindow*>& widgetWindows() const { return m_widgetWindows; }
     QQuickWindow* controlPanelWindow() const { return m_controlPanelWindow; }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     QSystemTrayIcon* m_statusBarItem = nullptr;

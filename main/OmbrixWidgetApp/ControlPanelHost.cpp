@@ -7,6 +7,7 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -28,6 +29,7 @@ void AppDelegate::setupStatusBarItem()
     QAction* quit = m_statusMenu->addAction("Esci", this, &AppDelegate::quitApp);
     quit->setShortcut(QKeySequence("Ctrl+Q"));
     m_statusBarItem->setContextMenu(m_statusMenu.get());
+    m_statusMenu->installEventFilter(this);
     // A left click opens the same menu: the item has no action of its own.
     connect(m_statusBarItem, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason r) {
         if (r == QSystemTrayIcon::Trigger)
@@ -56,7 +58,25 @@ void AppDelegate::createControlPanelWindow()
     window->setGeometry(screen::toQt(frame, screen::primaryHeight()));
     window->setMinimumSize(QSize(420, 600));
     window->setMaximumSize(QSize(420, 600));
+    window->installEventFilter(this);
     m_controlPanelWindow = window;
+}
+
+bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
+{
+    // Qt matches a menu action's shortcut only in an active widget window, which neither the tray's
+    // popup nor the panel (a Qt Quick window) is: the keys the menu shows are matched here.
+    if (event->type() == QEvent::KeyPress && m_statusMenu) {
+        const QKeySequence pressed(static_cast<QKeyEvent*>(event)->keyCombination());
+        for (QAction* action : m_statusMenu->actions()) {
+            if (!action->shortcut().isEmpty() && action->shortcut() == pressed) {
+                m_statusMenu->close();
+                action->trigger();
+                return true;
+            }
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void AppDelegate::showControlPanel()

@@ -1,4 +1,5 @@
 #include "AppDelegate.h"
+#include "Autostart.h"
 #include "SingleInstance.h"
 #include "X11Window.h"
 
@@ -17,38 +18,49 @@ Q_IMPORT_QML_PLUGIN(Ombrix_ControlPanelPlugin)
 namespace {
 
 constexpr const char* helpText =
-    "Uso: OmbrixWidget [--help | --version]\n"
+    "Uso: OmbrixWidget [--minimized | --help | --version]\n"
     "Widget da scrivania (orologio, meteo, batterie, musica) con un Control Panel nell'area di notifica.\n"
     "Avviato di nuovo mentre è già in esecuzione, riapre il Control Panel.\n"
     "\n"
-    "  -h, --help     mostra questo aiuto ed esce\n"
-    "  -v, --version  mostra la versione ed esce\n";
+    "      --minimized  avvia senza mostrare il Control Panel (usato dall'avvio all'accesso)\n"
+    "  -h, --help       mostra questo aiuto ed esce\n"
+    "  -v, --version    mostra la versione ed esce\n";
 
-// Gives the exit code when the command line ends the program before it starts, else -1.
-int handleCommandLine(int argc, char** argv)
+struct CommandLine {
+    int exitCode = -1; // the program ends before it starts when set
+    bool quiet = false;
+};
+
+CommandLine handleCommandLine(int argc, char** argv)
 {
+    CommandLine line;
     for (int i = 1; i < argc; ++i) {
         const QByteArray arg = argv[i];
+        if (arg == autostart::quietOption) {
+            line.quiet = true;
+            continue;
+        }
         if (arg == "--help" || arg == "-h") {
             std::fputs(helpText, stdout);
-            return 0;
+            return {0};
         }
         if (arg == "--version" || arg == "-v") {
             std::printf("OmbrixWidget %s\n", OMBRIX_VERSION);
-            return 0;
+            return {0};
         }
         std::fprintf(stderr, "OmbrixWidget: opzione sconosciuta \"%s\" (vedi --help)\n", argv[i]);
-        return 2;
+        return {2};
     }
-    return -1;
+    return line;
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (const int code = handleCommandLine(argc, argv); code >= 0)
-        return code;
+    const CommandLine command = handleCommandLine(argc, argv);
+    if (command.exitCode >= 0)
+        return command.exitCode;
 
     // Widgets are placed at chosen screen positions, which only X11 allows: on a Wayland session
     // the program runs through XWayland unless the user asked for a platform.
@@ -64,8 +76,10 @@ int main(int argc, char** argv)
 
     // Before any GUI start-up: a second copy only knocks on the first one's door.
     SingleInstance instance;
+    // A quiet start (at login) finds the panel's owner already there and leaves it be.
     if (!instance.claim()) {
-        instance.forwardToRunningCopy();
+        if (!command.quiet)
+            instance.forwardToRunningCopy();
         return 0;
     }
 
@@ -88,6 +102,6 @@ int main(int argc, char** argv)
     AppDelegate delegate;
     QObject::connect(&instance, &SingleInstance::showRequested, &delegate, &AppDelegate::showControlPanel);
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
-    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    QTimer::singleShot(0, &delegate, [&delegate, &command] { delegate.applicationDidFinishLaunching(!command.quiet); });
     return app.exec();
 }

@@ -1,9 +1,10 @@
 #include "Autostart.h"
 
+#include "AtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <algorithm>
 
@@ -50,11 +51,24 @@ bool setEnabled(bool enabled, const QString& program)
     if (!enabled)
         return !QFile::exists(path) || QFile::remove(path);
     QDir().mkpath(QFileInfo(path).path());
-    QSaveFile f(path);
-    if (!f.open(QIODevice::WriteOnly))
+    return atomicfile::replace(path, entryText(program));
+}
+
+bool upgrade(const QString& program)
+{
+    if (!isEnabled())
         return false;
-    f.write(entryText(program));
-    return f.commit();
+    QFile f(entryPath());
+    if (!f.open(QIODevice::ReadOnly))
+        return false;
+    // Only an entry of ours that starts the program with the panel up: another tool's or the
+    // user's own options stay as they are.
+    while (!f.atEnd()) {
+        const QByteArray line = f.readLine().trimmed();
+        if (line.startsWith("Exec=") && !line.contains(quietOption))
+            return setEnabled(true, program);
+    }
+    return false;
 }
 
 } // namespace autostart

@@ -7,12 +7,18 @@
 
 namespace autostart {
 
+// The option the entry starts the program with: a start at login is quiet (no Control Panel).
+inline constexpr const char* quietOption = "--minimized";
+
 QString entryPath();
 // The entry exists and is not switched off inside (Hidden, X-GNOME-Autostart-enabled).
 bool isEnabled();
 // Writes or removes the entry; false when that failed.
 bool setEnabled(bool enabled, const QString& program);
-// The entry's text for `program`, quoted as the desktop entry rules want.
+// Rewrites an entry left by an earlier version, whose start showed the panel, to start quietly;
+// true when it rewrote one.
+bool upgrade(const QString& program);
+// The entry's text for `program` (with the quiet option), quoted as the desktop entry rules want.
 QByteArray entryText(const QString& program);
 
 } // namespace autostart

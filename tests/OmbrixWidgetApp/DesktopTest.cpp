@@ -20,7 +20,7 @@ TEST(Desktop, CommandLineOptionsAndAMissingDisplayAnswerWithoutAWindow)
         int code;
         QString out, err;
     } cases[] = {
-        {{"--help"}, 0, "Uso: OmbrixWidget [--help | --version]\n", ""},
+        {{"--help"}, 0, "Uso: OmbrixWidget [--minimized | --help | --version]\n", ""},
         {{"--version"}, 0, "OmbrixWidget " OMBRIX_VERSION "\n", ""},
         {{"--frob"}, 2, "", "OmbrixWidget: opzione sconosciuta \"--frob\" (vedi --help)\n"},
         {{},
@@ -80,7 +80,8 @@ TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLog
     QFile file(entry);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-    const QString exec = "Exec=" + QFileInfo(buildDir() + "/OmbrixWidget").canonicalFilePath();
+    const QString program = QFileInfo(buildDir() + "/OmbrixWidget").canonicalFilePath();
+    const QString exec = "Exec=" + program + " --minimized";
     for (const QString& line : {QString("[Desktop Entry]"), QString("Type=Application"), QString("Name=OmbrixWidget"),
                                 exec, QString("X-GNOME-Autostart-enabled=true")})
         EXPECT_TRUE(lines.contains(line)) << line.toStdString();
@@ -106,4 +107,23 @@ TEST(Desktop, InstalledFilesAreValidOneCopyPerDisplayItsPanelAsLeftAndStartAtLog
                                 "mount -t tmpfs none \"$1\" && exec \"$2\"", "sh", build, usr + "/bin/OmbrixWidget"}));
     flipSwitch(true);
     EXPECT_TRUE(entryIs(false));
+
+    // A start by the login entry is quiet: the widgets come back, the panel does not, not even when a
+    // copy already runs; the option-less entry an earlier version wrote is rewritten to start so.
+    ::kill(pid_t(x.app()->processId()), SIGTERM);
+    ASSERT_TRUE(x.app()->waitForFinished(10000));
+    QFile old(entry);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("[Desktop Entry]\nType=Application\nName=OmbrixWidget\nExec=" + program.toUtf8() + "\n");
+    old.close();
+    x.enable({"clock"});
+    ASSERT_TRUE(x.startApp({}, {program, "--minimized"}));
+    EXPECT_FALSE(x.widget("clock").isEmpty());
+    EXPECT_EQ(runProgram(program, {"--minimized"}, x.environment(), 60000).code, 0);
+    EXPECT_TRUE(XSession::waitFor([&] {
+        QFile now(entry);
+        return now.open(QIODevice::ReadOnly) && QString::fromUtf8(now.readAll()).split('\n').contains(exec);
+    }));
+    // Nothing to wait for when nothing should come: two seconds for a panel that must not.
+    EXPECT_FALSE(XSession::waitFor([&] { return !x.windowsNamed(kPanel).isEmpty(); }, 2000));
 }

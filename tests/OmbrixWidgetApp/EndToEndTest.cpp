@@ -141,11 +141,20 @@ TEST(AppEndToEnd, BatteriesAndWeatherFromTheirSourcesThePanelSwitchesAWidgetOnAn
     x.click(panel + QPoint(363, 213));
     EXPECT_EQ(x.geometryOf(x.widget("clock")), QRect(1250, 40, 170, 170));
     EXPECT_TRUE(XSession::waitFor([&] { return x.settings()->boolForKey("widget.clock.enabled") == true; }));
-    // "Esci", the last entry of the tray item's menu.
+    // The keys the tray item's menu shows: Ctrl+P in the open menu brings the closed panel back,
+    // Ctrl+Q in the active panel quits.
+    x.click(panel + QPoint(16, 14));
+    ASSERT_TRUE(XSession::waitFor([&] { return x.windowsNamed("OmbrixWidget Control Panel").isEmpty(); }));
     const auto windows = [&] { return x.run("xdotool", {"search", "--onlyvisible", "--class", "OmbrixWidget"}); };
     const qsizetype closed = windows().count('\n');
     x.click({1428, 12});
     ASSERT_TRUE(XSession::waitFor([&] { return windows().count('\n') > closed; }));
-    x.run("xdotool", {"key", "Up", "Return"});
+    x.run("xdotool", {"key", "ctrl+p"});
+    const QString back = x.waitForWindow("OmbrixWidget Control Panel");
+    ASSERT_FALSE(back.isEmpty());
+    ASSERT_TRUE(XSession::waitFor([&] {
+        return x.run("xprop", {"-root", "_NET_ACTIVE_WINDOW"}).contains(QString::number(back.toLongLong(), 16));
+    }));
+    x.run("xdotool", {"key", "ctrl+q"});
     ASSERT_TRUE(x.app()->waitForFinished(30000));
 }
