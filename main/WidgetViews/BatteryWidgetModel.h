@@ -3,6 +3,7 @@
 // rings to draw. Polls every 4 seconds, but only while the view is active.
 #include "BatteryRingListModel.h"
 #include "BatteryRules.h"
+#include "SystemWords.h"
 
 #include <QColor>
 #include <QObject>
@@ -40,7 +41,7 @@ class BatteryWidgetModel : public QObject {
 
     QList<BatteryDevice> m_devices;
     bool m_hasReading = false;
-    QString m_computerName = QStringLiteral("MacBook");
+    QString m_computerName = systemwords::computerName;
     bool m_active = false;
     QTimer m_timer;
     BatteryRingListModel m_rings;

@@ -3,6 +3,7 @@
 #include "MusicMonitor.h"
 #include "OutsideData.h"
 #include "SettingsManager.h"
+#include "SystemWords.h"
 #include "ViewsLog.h"
 
 #include <QFileInfo>
@@ -34,11 +35,11 @@ QString MusicWidgetModel::displayText(const std::optional<QString>& text)
 
 QString MusicWidgetModel::sourceLabelFor(const std::optional<QString>& source)
 {
-    // Spotify and Music (by script) are named as on the other system; any other player by its own name.
+    // Spotify and Music (by script) by their names; any other player by its own.
     if (source == QStringLiteral("spotify"))
         return QStringLiteral("Spotify");
     if (!source || source == QStringLiteral("music") || source->trimmed().isEmpty())
-        return QStringLiteral("Apple Music");
+        return systemwords::defaultPlayer;
     return *source;
 }
 

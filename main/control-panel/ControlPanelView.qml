@@ -46,7 +46,7 @@ Item {
             ColumnLayout {
                 spacing: 2
                 Text { text: "OmbrixWidget"; font.pixelSize: 20; font.bold: true; color: Colors.white }
-                Text { text: "Widget premium per macOS"; font.pixelSize: 12; color: Colors.dimWhite }
+                Text { objectName: "subtitle"; text: SystemTexts.panelSubtitle; font.pixelSize: 12; color: Colors.dimWhite }
             }
             Item { Layout.fillWidth: true }
         }

@@ -92,12 +92,7 @@ ColumnLayout {
                     columns: 2
                     rowSpacing: 8
                     Repeater {
-                        model: [
-                            { label: "MacBook", key: "macbook" },
-                            { label: "Apple Watch", key: "watch" },
-                            { label: "Magic Mouse", key: "mouse" },
-                            { label: "AirPods", key: "airpods" }
-                        ]
+                        model: SystemTexts.deviceCategories
                         CheckboxToggleStyle {
                             required property var modelData
                             objectName: "device-" + modelData.key
@@ -114,7 +109,7 @@ ColumnLayout {
 
     WidgetCard {
         objectName: "card-music"
-        title: "Now Playing"; description: "Spotify, Apple Music in tempo reale"; icon: "music.note"
+        title: "Now Playing"; description: SystemTexts.musicSources; icon: "music.note"
         enabled: Settings.musicEnabled
         onToggled: (v) => Settings.setWidgetEnabled("music", v)
         ToggleRow {

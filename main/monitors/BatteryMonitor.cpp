@@ -2,6 +2,7 @@
 
 #include "ChildProcess.h"
 #include "OutsideData.h"
+#include "SystemWords.h"
 
 #include <QRegularExpression>
 #include <array>
@@ -174,7 +175,7 @@ QList<BatteryDevice> BatteryMonitor::getBatteryDevices()
 QString BatteryMonitor::getComputerName()
 {
     const QString name = m_source->computerName();
-    return name.isEmpty() ? QStringLiteral("MacBook") : outside::cutText(name);
+    return name.isEmpty() ? systemwords::computerName : outside::cutText(name);
 }
 
 QList<BatteryDevice> BatteryMonitor::parseBatteryDevices(const QString& pmsetText, const QString& ioregText)

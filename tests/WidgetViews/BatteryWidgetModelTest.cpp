@@ -85,9 +85,9 @@ TEST(BatteryWidgetModel, ReadsWhileActiveAndRedrawsOnSettings)
         return out;
     };
     EXPECT_EQ(std::pair(timer->isActive(), texts->reads), std::pair(false, 0));
-    model.setActive(true); // no computer name known: "MacBook"
+    model.setActive(true); // no computer name known: "Computer"
     EXPECT_TRUE(timer->isActive());
-    EXPECT_EQ(labels(), QStringList({"MacBook", "Magic Mouse"}));
+    EXPECT_EQ(labels(), QStringList({"Computer", "Magic Mouse"}));
     EXPECT_EQ(SettingsManager::shared().sharedData().battery, model.deviceList());
 
     // A poll that finds the same reading tells no one; a new one does.
@@ -103,7 +103,7 @@ TEST(BatteryWidgetModel, ReadsWhileActiveAndRedrawsOnSettings)
     settings.setBatteryVisibleDevices({"mouse"});
     EXPECT_EQ(labels(), QStringList({"Magic Mouse"}));
     settings.setBatterySize("small");
-    EXPECT_EQ(std::pair(labels(), texts->reads), std::pair(QStringList({"MacBook"}), reads));
+    EXPECT_EQ(std::pair(labels(), texts->reads), std::pair(QStringList({"Computer"}), reads));
     settings.setBatteryVisibleDevices(allCategories);
     model.setActive(false);
     EXPECT_FALSE(timer->isActive());

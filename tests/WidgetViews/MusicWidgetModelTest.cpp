@@ -17,8 +17,8 @@ TEST(MusicWidgetRules, TextsColoursAndArtwork)
 {
     const std::tuple<std::optional<QString>, QString, QColor> sources[] = {
         {"spotify", "Spotify", QColor(29, 185, 84)},
-        {"music", "Apple Music", pink},
-        {std::nullopt, "Apple Music", pink},
+        {"music", "Musica", pink},
+        {std::nullopt, "Musica", pink},
         {"VLC media player", "VLC media player", pink}};
     for (const auto& [source, label, color] : sources) {
         EXPECT_EQ(MusicWidgetModel::sourceLabelFor(source), label);

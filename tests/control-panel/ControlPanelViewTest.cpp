@@ -25,6 +25,11 @@ TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
         const QColor c = widgets.pixelColor(track->mapToScene(QPointF(8, track->height() / 2)).toPoint());
         EXPECT_EQ(nearColor(c, QColor(0, 122, 255)), card == on) << card->objectName().toStdString();
     }
+    // On Linux the panel speaks of Linux and of kinds of device; the keys stay the stored ones.
+    QStringList texts = {view.find("subtitle")->property("text").toString()};
+    for (const char* key : {"macbook", "watch", "mouse", "airpods"})
+        texts << ViewHarness::find(view.find(QString("device-") + key), "label")->property("text").toString();
+    EXPECT_EQ(texts, QStringList({"Widget premium per Linux", "Computer", "Smartwatch", "Mouse e tastiere", "Cuffie"}));
     // A device's label leaves its checkbox alone; the box flips it. Then the other tab.
     QQuickItem* mouse = view.find("device-mouse");
     for (QQuickItem* item :

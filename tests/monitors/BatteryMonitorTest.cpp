@@ -76,8 +76,7 @@ TEST(BatteryMonitor, TextsGiveTheMachineThenItsAccessories)
         {"a name longer than a screen is cut",
          "",
          product(QString(5000, 'N'), 50),
-         {mac(100, false),
-          {QString(256, 'n'), QString(256, 'N'), 50, false, "accessory"}}},
+         {mac(100, false), {QString(256, 'n'), QString(256, 'N'), 50, false, "accessory"}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
