@@ -3,6 +3,7 @@
 #include "ContinuousCorners.h"
 #include "RootBackground.h"
 #include "Screen.h"
+#include "ShowingDesktop.h"
 #include "WidgetHostingView.h"
 #include "WindowLog.h"
 #include "X11Window.h"
@@ -25,7 +26,9 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     setColor(Qt::transparent);
     setHasShadow(true);
     setTitle("OmbrixWidget " + name);
-    setGeometry(screen::toQt(initialFrame, screen::primaryHeight()));
+    const QRect geometry = screen::toQt(initialFrame, screen::primaryHeight());
+    fixSize(geometry.size());
+    setGeometry(geometry);
     if (m_contentView) {
         m_contentView->setParentItem(contentItem());
         m_contentView->setParent(this);
@@ -35,6 +38,15 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     if (x11::windowManagerTilesEverything())
         setFlag(Qt::X11BypassWindowManagerHint);
     setClickThrough(isClickThrough);
+    // A widget is part of the desktop: a manager that hides every ordinary window to show the
+    // desktop (openbox) is asked for the widget back, and the user's windows stay out of the way.
+    // The manager may hide windows before or after it says so: the widget looks a moment later.
+    connect(&ShowingDesktop::shared(), &ShowingDesktop::desktopShown, this, [this] {
+        QTimer::singleShot(100, this, [this] {
+            if (isVisible() && !ShowingDesktop::isViewable(this))
+                ShowingDesktop::bringBack(this);
+        });
+    });
     create();
     x11::applyWidgetHints(this);
     updateMask();
@@ -90,9 +102,20 @@ void WidgetWindow::setFrame(const Rect& frame, bool animate)
         emit didMove(this);
 }
 
+void WidgetWindow::fixSize(const QSize& size)
+{
+    // A widget is as large as its size says: equal bounds tell the manager to offer no resize and
+    // no maximize. Widened before a growth and narrowed after a shrink, they never fight the size.
+    if (size.width() > maximumWidth() || size.height() > maximumHeight())
+        setMaximumSize(size);
+    setMinimumSize(size);
+    setMaximumSize(size);
+}
+
 void WidgetWindow::requestGeometry(const QRect& geometry)
 {
     m_ownMoves.append({geometry.topLeft(), m_clock.elapsed()});
+    fixSize(geometry.size());
     setGeometry(geometry);
 }
 
@@ -216,8 +239,16 @@ void WidgetWindow::deliverMove()
 void WidgetWindow::exposeEvent(QExposeEvent* event)
 {
     QQuickWindow::exposeEvent(event);
-    if (isExposed())
-        m_placed = true;
+    if (!isExposed() || m_placed)
+        return;
+    m_placed = true;
+    // A manager that learns a window's input shape only from changes to it (openbox) keeps a full
+    // input rectangle on the frame of a window that was click-through before it was mapped: the
+    // shape is set again once the window is on screen.
+    if (flags() & Qt::WindowTransparentForInput) {
+        setClickThrough(false);
+        setClickThrough(true);
+    }
 }
 
 void WidgetWindow::resizeEvent(QResizeEvent* event)

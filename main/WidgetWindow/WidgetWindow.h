@@ -55,6 +55,7 @@ class WidgetWindow : public QQuickWindow {
   private:
     void settleMove();
     void requestGeometry(const QRect& geometry);
+    void fixSize(const QSize& size);
     bool isOwnMove(const QPoint& position);
     void deliverMove();
     void updateMask();

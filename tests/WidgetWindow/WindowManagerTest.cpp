@@ -25,6 +25,12 @@ struct Desktop {
     const char *windowManager, *compositor, *theme;
 };
 
+// ctest lists each row by this.
+void PrintTo(const Desktop& d, std::ostream* out)
+{
+    *out << d.windowManager << (*d.compositor ? "+" : "") << d.compositor << " " << d.theme;
+}
+
 class WindowManager : public ::testing::TestWithParam<Desktop> {};
 
 } // namespace
@@ -32,6 +38,7 @@ class WindowManager : public ::testing::TestWithParam<Desktop> {};
 TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDragged)
 {
     const Desktop& d = GetParam();
+    const bool composited = *d.compositor || QString(d.windowManager) == "mutter";
     XSession x(XSessionOptions{.compositor = QString(d.compositor).split(' ', Qt::SkipEmptyParts),
                                .windowManager = d.windowManager});
     ASSERT_TRUE(x.ok());
@@ -45,15 +52,34 @@ TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDrag
         x.run("feh", {"--no-fehbg", "--bg-fill", x.home() + "/wallpaper.png"});
     };
     setWallpaper(stripes);
-    x.enable({"clock"});
+    x.enable({"clock", "weather"});
     auto suite = x.settings();
     suite->setObject(QString(d.theme), "glass-theme");
+    suite->setObject(true, "widget.weather.clickThrough");
     suite->synchronize();
     x.run("xdotool", {"set_num_desktops", "2"});
     ASSERT_TRUE(x.startApp());
     const QString widget = x.widget("clock");
     const QRect w = x.geometryOf(widget);
     ASSERT_EQ(w, QRect(1250, 40, 170, 170));
+    // Click-through from the start: the pointer over the widget is over what lies below (the root,
+    // or mutter's guard window), not over the widget nor a frame the manager put around it. fluxbox
+    // keeps its frame's full input rectangle whatever the window's own shape: no client can mend that.
+    const QString through = x.widget("weather");
+    const QPoint middle = x.geometryOf(through).center();
+    EXPECT_TRUE(QString(d.windowManager) == "fluxbox" || XSession::waitFor([&] {
+                    const QString at = x.run("xdotool", {"mousemove", QString::number(middle.x()),
+                                                         QString::number(middle.y()), "getmouselocation"});
+                    const QString under = at.section("window:", 1).trimmed();
+                    const QString tree = x.run("xwininfo", {"-tree", "-id", under});
+                    return !under.isEmpty() && (tree.contains("(the root window)") ||
+                                                !tree.contains("0x" + QString::number(through.toULongLong(), 16)));
+                }));
+    // Fixed size: the manager offers no resize and no maximize.
+    const QString hints = x.run("xprop", {"-id", widget, "WM_NORMAL_HINTS", "_NET_WM_ALLOWED_ACTIONS"});
+    EXPECT_TRUE(hints.contains("minimum size: 170 by 170") && hints.contains("maximum size: 170 by 170"));
+    for (const char* action : {"_NET_WM_ACTION_RESIZE", "_NET_WM_ACTION_MAXIMIZE"})
+        EXPECT_FALSE(hints.contains(action)) << action;
 
     // Frosted, at most a sixteenth of the stripes' range shows. Without a compositor the glass is
     // opaque: there its corners show the wallpaper as it is around the window, rounded and blended.
@@ -72,7 +98,7 @@ TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDrag
             return false;
         const QImage glass = margin(screen, w).convertToFormat(QImage::Format_Grayscale8);
         const auto [lo, hi] = std::minmax_element(glass.constBits(), glass.constBits() + glass.sizeInBytes());
-        return *hi - *lo <= 255 / 16 && (*d.compositor || cornersShowWallpaper());
+        return *hi - *lo <= 255 / 16 && (composited || cornersShowWallpaper());
     }));
     // A new wallpaper shows through the glass.
     const auto mean = [&] {
@@ -120,6 +146,17 @@ TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDrag
     for (const char* p : {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "= 4294967295"})
         EXPECT_TRUE(props.contains(p)) << p << " in " << props.toStdString();
 
+    // "Show desktop" leaves the widget on the desktop, wherever the manager has the action.
+    if (QString(d.windowManager) != "i3" && QString(d.windowManager) != "fluxbox") {
+        x.run("wmctrl", {"-k", "on"});
+        const auto viewable = [&](const QString& id) {
+            return x.run("xwininfo", {"-id", id}).contains("Map State: IsViewable");
+        };
+        XSession::waitFor([&] { return !viewable(other); }, 3000); // KWin keeps windows mapped
+        EXPECT_TRUE(XSession::waitFor([&] { return viewable(widget); }));
+        x.grabScreen().save(artifactsDir() + QString("/desktop-%1-shown.png").arg(d.windowManager));
+        x.run("wmctrl", {"-k", "off"});
+    }
     normal.kill();
     normal.waitForFinished(2000);
 }
@@ -128,5 +165,6 @@ INSTANTIATE_TEST_SUITE_P(Matrix, WindowManager,
                          ::testing::Values(Desktop{"openbox", "", "transparent"}, Desktop{"i3", "", "opaque"},
                                            Desktop{"fluxbox", "xcompmgr", "transparent"},
                                            Desktop{"xfwm4", "xcompmgr", "opaque"},
-                                           Desktop{"kwin_x11", "picom", "transparent"}),
+                                           Desktop{"kwin_x11", "picom", "transparent"},
+                                           Desktop{"mutter", "", "opaque"}),
                          [](const auto& info) { return std::string(info.param.windowManager); });

@@ -60,12 +60,18 @@ XSession::XSession(XSessionOptions options)
     }
     if (wm == "xfwm4")
         wmArgs = {"--compositor=off"};
+    // GNOME's manager (and compositor) on X11 wants a session bus of its own.
+    QString program = wm;
+    if (wm == "mutter") {
+        program = "dbus-run-session";
+        wmArgs = {"--", "mutter", "--x11", "--replace"};
+    }
     // A manager that exits is started again; one that runs gets time to answer on a loaded machine.
     const auto managed = [&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); };
     for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
         if (attempt)
             m_helpers.pop_back();
-        startHelper(wm, wmArgs);
+        startHelper(program, wmArgs);
         const QProcess* p = m_helpers.back().get();
         m_managed = waitFor([&] { return p->state() == QProcess::NotRunning || managed(); }, 60000) && managed();
     }

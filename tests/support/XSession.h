@@ -30,7 +30,7 @@ QString artifactsDir();
 struct XSessionOptions {
     bool tray = false;
     QStringList compositor = {};       // a compositor's command line
-    QString windowManager = "openbox"; // or fluxbox, xfwm4, i3, kwin_x11
+    QString windowManager = "openbox"; // or fluxbox, xfwm4, i3, kwin_x11, mutter
 };
 
 class XSession {
