@@ -68,6 +68,9 @@ TEST(AppEndToEnd, TheClockTicksARealPlayerShowsAndPausesAndADragSnapsAndIsKept)
         return reply.isValid() && reply.value().variant().toString() == "Paused";
     }));
     ::kill(pid_t(hung->processId()), SIGCONT);
+    // Its buttons work without the focus, which no widget asks for, the music one with buttons included.
+    for (const QString& id : {clock, music})
+        EXPECT_TRUE(x.run("xprop", {"-id", id, "WM_HINTS"}).contains("accepts input or input focus: False"));
     // Dragged to within 4 to 8 points of the screen's left edge, which takes it, and stored.
     EXPECT_TRUE(x.drag(clock, {1330, 60}, {84, 300}));
     EXPECT_TRUE(XSession::waitFor([&] {
