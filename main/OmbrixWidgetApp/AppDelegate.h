@@ -9,7 +9,9 @@
 #include <memory>
 #include <optional>
 
+class ControlPanelModel;
 class QQmlEngine;
+class QQuickItem;
 class QQuickWindow;
 class QSystemTrayIcon;
 class QMenu;
@@ -42,6 +44,8 @@ class AppDelegate : public QObject {
     void setupStatusBarItem();
     void createControlPanelWindow();
     void showControlPanel();
+    void buildControlPanelScene();
+    void releaseControlPanelScene();
     void quitApp();
 
     const QMap<QString, WidgetWindow*>& widgetWindows() const { return m_widgetWindows; }
@@ -54,6 +58,8 @@ class AppDelegate : public QObject {
     QSystemTrayIcon* m_statusBarItem = nullptr;
     std::unique_ptr<QMenu> m_statusMenu;
     QQuickWindow* m_controlPanelWindow = nullptr;
+    QPointer<ControlPanelModel> m_panelModel;
+    QPointer<QQuickItem> m_panelScene;
     QMap<QString, WidgetWindow*> m_widgetWindows;
     SettingsManager& m_settings;
     bool m_isSnapping = false;

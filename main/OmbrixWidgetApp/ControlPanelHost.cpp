@@ -3,6 +3,7 @@
 
 #include "AppIcon.h"
 #include "AppLog.h"
+#include "ControlPanelModel.h"
 #include "Screen.h"
 
 #include <QGuiApplication>
@@ -14,6 +15,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 void AppDelegate::setupStatusBarItem()
 {
@@ -45,21 +47,59 @@ void AppDelegate::createControlPanelWindow()
     window->setFlags(Qt::Window | Qt::FramelessWindowHint);
     window->setColor(QColor(24, 24, 28));
     window->setTitle("OmbrixWidget Control Panel");
-    QQmlComponent component(m_engine.get(), QUrl("qrc:/Ombrix/ControlPanel/ControlPanelView.qml"));
-    auto* root = qobject_cast<QQuickItem*>(component.create());
-    if (root) {
-        root->setParentItem(window->contentItem());
-        root->setParent(window);
-    } else {
-        qCWarning(lcApp).noquote() << "the Control Panel did not load:" << component.errorString();
-    }
     const Rect v = screen::visibleFrame();
     const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};
     window->setGeometry(screen::toQt(frame, screen::primaryHeight()));
     window->setMinimumSize(QSize(420, 600));
     window->setMaximumSize(QSize(420, 600));
     window->installEventFilter(this);
+    // The window and the panel's state are made once; the scene lives only while the panel is shown.
+    m_panelModel = new ControlPanelModel(window);
+    // Released once the event loop turns: the panel is often hidden from inside its own scene (its
+    // close control), and it may be shown again before then.
+    connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
+        if (!visible)
+            QTimer::singleShot(0, this, [this] {
+                if (m_controlPanelWindow && !m_controlPanelWindow->isVisible())
+                    releaseControlPanelScene();
+            });
+    });
     m_controlPanelWindow = window;
+}
+
+void AppDelegate::buildControlPanelScene()
+{
+    if (m_panelScene)
+        return;
+    QQmlComponent component(m_engine.get(), QUrl("qrc:/Ombrix/ControlPanel/ControlPanelView.qml"));
+    auto* root = qobject_cast<QQuickItem*>(
+        component.createWithInitialProperties({{"model", QVariant::fromValue(m_panelModel.data())}}));
+    if (!root) {
+        qCWarning(lcApp).noquote() << "the Control Panel did not load:" << component.errorString();
+        return;
+    }
+    root->setParentItem(m_controlPanelWindow->contentItem());
+    root->setParent(m_controlPanelWindow);
+    m_panelScene = root;
+}
+
+void AppDelegate::releaseControlPanelScene()
+{
+    if (!m_panelScene)
+        return;
+    delete m_panelScene.data();
+    m_controlPanelWindow->releaseResources();
+    m_engine->trimComponentCache();
+}
+
+void AppDelegate::showControlPanel()
+{
+    if (!m_controlPanelWindow)
+        return;
+    buildControlPanelScene();
+    m_controlPanelWindow->show();
+    m_controlPanelWindow->raise();
+    m_controlPanelWindow->requestActivate();
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
@@ -77,13 +117,4 @@ bool AppDelegate::eventFilter(QObject* watched, QEvent* event)
         }
     }
     return QObject::eventFilter(watched, event);
-}
-
-void AppDelegate::showControlPanel()
-{
-    if (!m_controlPanelWindow)
-        return;
-    m_controlPanelWindow->show();
-    m_controlPanelWindow->raise();
-    m_controlPanelWindow->requestActivate();
 }

@@ -14,7 +14,16 @@ const QColor ControlPanelModel::systemGray = QColor(142, 142, 147);
 const QColor ControlPanelModel::statusGreen = QColor(48, 209, 88);
 const QColor ControlPanelModel::statusRed = QColor(255, 69, 58);
 
-ControlPanelModel::ControlPanelModel(QObject* parent) : QObject(parent) {}
+ControlPanelModel::ControlPanelModel(QObject* parent) : QObject(parent)
+{
+    appear();
+}
+
+void ControlPanelModel::setScrollY(double y)
+{
+    m_scrollY = y;
+    emit scrollYChanged();
+}
 
 void ControlPanelModel::setActiveTab(const QString& tab)
 {

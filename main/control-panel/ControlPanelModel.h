@@ -18,6 +18,8 @@ class ControlPanelModel : public QObject {
     Q_PROPERTY(QColor geoStatusColor READ geoStatusColor NOTIFY geoStatusChanged)
     Q_PROPERTY(bool searchInProgress READ searchInProgress NOTIFY searchInProgressChanged)
     Q_PROPERTY(bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+    // Where the content was scrolled to: the scene is made anew each time the panel is shown.
+    Q_PROPERTY(double scrollY READ scrollY WRITE setScrollY NOTIFY scrollYChanged)
 
   public:
     static const QColor systemGray;
@@ -42,7 +44,11 @@ class ControlPanelModel : public QObject {
     // Reads the entry again, for when it was changed outside the panel.
     Q_INVOKABLE void refreshLaunchAtLogin();
 
-    // The panel came on screen: the location controls take the stored values.
+    double scrollY() const { return m_scrollY; }
+    void setScrollY(double y);
+
+    // The location controls take the stored values: once, when the panel is first made; after that
+    // the panel's own state (a city typed and not saved) outlives the scene.
     Q_INVOKABLE void appear();
 
     Q_INVOKABLE void saveManualLocation();
@@ -60,6 +66,7 @@ class ControlPanelModel : public QObject {
     void geoStatusChanged();
     void searchInProgressChanged();
     void launchAtLoginChanged();
+    void scrollYChanged();
 
   private:
     void setGeoStatus(const QString& text, const QColor& color);
@@ -72,4 +79,5 @@ class ControlPanelModel : public QObject {
     QColor m_geoStatusColor = systemGray;
     bool m_searchInProgress = false;
     bool m_launchAtLogin = false;
+    double m_scrollY = 0;
 };

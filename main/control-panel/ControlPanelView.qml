@@ -9,11 +9,10 @@ import Ombrix.ControlPanel
 // The Control Panel: dark glass, header, two tabs and a scrolling content area, 420 by 600.
 Item {
     id: root
+    // The application hands in the panel's state, which outlives this scene; alone, the view has its own.
     property ControlPanelModel model: ControlPanelModel {}
     width: 420
     height: 600
-
-    Component.onCompleted: model.appear()
 
     VisualEffectView { anchors.fill: parent; material: 13 }
 
@@ -90,6 +89,16 @@ Item {
             contentHeight: content.implicitHeight + 48
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
+            // Back where it was left once the content is tall enough to be there, then followed.
+            property bool restored: false
+            onContentHeightChanged: {
+                if (!restored && contentHeight >= root.model.scrollY + height) {
+                    contentY = root.model.scrollY
+                    restored = true
+                }
+            }
+            onContentYChanged: if (restored) root.model.scrollY = contentY
+            Component.onCompleted: contentHeightChanged()
 
             ColumnLayout {
                 id: content
