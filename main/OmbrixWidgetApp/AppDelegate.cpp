@@ -32,6 +32,9 @@ AppDelegate::~AppDelegate()
     // Every window's view tree lives in the engine's contexts: the windows go before the engine.
     qDeleteAll(m_widgetWindows);
     m_widgetWindows.clear();
+    // The panel's scene before the state it binds to.
+    if (m_controlPanelWindow)
+        releaseControlPanelScene();
     delete m_controlPanelWindow;
 }
 

@@ -7,9 +7,12 @@
 #include "XSession.h"
 
 #include <QPointer>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <QRasterWindow>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTest>
 #include <gtest/gtest.h>
 
 namespace {
@@ -139,4 +142,45 @@ TEST_F(Registry, ClickThroughLetsARealClickReachTheWindowBelowAndIsKept)
     EXPECT_TRUE(app.widgetWindows().value("battery")->ignoresMouseEvents());
     settings().setClickThrough("battery", false);
     EXPECT_FALSE(app.widgetWindows().value("battery")->ignoresMouseEvents());
+}
+
+TEST_F(Registry, ThePanelsSceneLivesWhileShownAndComesBackAsItWasLeft)
+{
+    for (const QString& name : kWidgets)
+        settings().setProperty((name + "Enabled").toLatin1(), true); // every card open: room to scroll
+    settings().saveWeatherSettings(WeatherSettings{true, "Milano, Italia", 45.46, 9.19});
+    app.createControlPanelWindow();
+    QQuickWindow* window = app.controlPanelWindow();
+    const auto item = [&](const char* name) { return window->findChild<QQuickItem*>(name); };
+    const auto shown = [&] {
+        app.showControlPanel();
+        return XSession::waitFor([&] { return window->isExposed() && item("content"); });
+    };
+    const auto hidden = [&] {
+        window->hide();
+        return XSession::waitFor([&] { return !item("content"); }); // the scene is gone, not hidden
+    };
+    // A city typed and not saved, on the second tab; then the first tab scrolled down.
+    ASSERT_TRUE(shown());
+    QObject* model = item("content")->parentItem()->parentItem()->property("model").value<QObject*>();
+    ASSERT_TRUE(model);
+    model->setProperty("activeTab", "settings");
+    ASSERT_TRUE(hidden() && shown());
+    QQuickItem* field = item("cityField");
+    ASSERT_TRUE(field && field->isVisible());
+    field->forceActiveFocus();
+    for (const char c : std::string(" Roma"))
+        QTest::keyClick(window, c);
+    ASSERT_TRUE(hidden() && shown());
+    EXPECT_EQ(item("cityField")->property("text").toString(), "Milano, Italia Roma");
+    EXPECT_TRUE(item("settingsTab")->isVisible());
+    model->setProperty("activeTab", "widgets");
+    item("content")->setProperty("contentY", 150.0);
+    ASSERT_TRUE(hidden() && shown());
+    EXPECT_TRUE(XSession::waitFor([&] { return item("content")->property("contentY").toDouble() == 150.0; }));
+    EXPECT_TRUE(item("widgetsTab")->isVisible());
+    window->hide();
+    for (const QString& name : kWidgets)
+        settings().setProperty((name + "Enabled").toLatin1(), false);
+    settings().saveWeatherSettings(WeatherSettings());
 }
