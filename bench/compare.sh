@@ -3,7 +3,8 @@
 # openbox, xcompmgr), in the same rounds, interleaved, and the medians are printed as one table.
 # usage: bench/compare.sh [ROUNDS] [SECONDS]        e.g. bench/compare.sh 5 60
 # Cases: conky (clock, date, battery text); clock only; four widgets idle; four widgets with a track
-# playing (a test MPRIS player); four widgets with the panel open. OMBRIX_COMPARE_CASES picks some,
+# playing (a test MPRIS player); four widgets with the panel open; cycle: the panel shown by a second
+# start and closed 100 times, and what the resident size grew by. OMBRIX_COMPARE_CASES picks some,
 # e.g. OMBRIX_COMPARE_CASES="idle playing". The panel opens at every start; in the other cases it is
 # closed with its own close control first, as a user leaves it (in the panel case, before the
 # second start that shows it again). Private memory is what the process
@@ -62,7 +63,7 @@ hz=$(getconf CLK_TCK)
 run_case() {
   local name=$1 home="$work/home-$1"
   rm -rf "$home"; mkdir -p "$home/.config/OmbrixWidget"
-  local start_ms second_ms=- pid windows=4
+  local start_ms second_ms=- pid windows=4 growth=-
   kill $player_pid 2>/dev/null || true; player_pid=
   if [ "$name" = conky ]; then
     start_ms=$("$fc" mapped 1 class:onky -- conky -q -c "$work/conky.conf" | tail -n1)
@@ -86,6 +87,16 @@ run_case() {
     close_panel
     # A second start shows the running copy's panel again.
     [ "$name" = panel ] && second_ms=$("$fc" mapped 5 "pid:$pid" -- "$build/OmbrixWidget" | tail -n1)
+    # 100 times shown by a second start and closed: what the resident size grows by.
+    if [ "$name" = cycle ]; then
+      local before after
+      sleep 3
+      before=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
+      for _ in $(seq 100); do "$build/OmbrixWidget"; close_panel; done
+      sleep 3
+      after=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
+      growth=$(awk -v a="$after" -v b="$before" 'BEGIN { printf "%.1f", (a - b) / 1024 }')
+    fi
   fi
   sleep 3   # start-up is not part of the steady state
   local a0 x0 a1 x1 fps
@@ -99,22 +110,22 @@ run_case() {
   priv=$(awk '/Private_Dirty/ {s += $2} END {print s}' "/proc/$pid/smaps_rollup")
   kill "$pid"; while kill -0 "$pid" 2>/dev/null; do sleep 0.05; done
   awk -v n="$name" -v a=$((a1 - a0)) -v x=$((x1 - x0)) -v hz="$hz" -v s="$secs" -v r="$rss" -v p="$priv" \
-      -v st="$start_ms" -v sc="$second_ms" -v f="${fps:--}" \
-    'BEGIN { printf "%s %.3f %.3f %.1f %.1f %s %s %s\n", n, a/hz*60/s, x/hz*60/s, r/1024, p/1024, st, sc, f }'
+      -v st="$start_ms" -v sc="$second_ms" -v f="${fps:--}" -v g="$growth" \
+    'BEGIN { printf "%s %.3f %.3f %.1f %.1f %s %s %s %s\n", n, a/hz*60/s, x/hz*60/s, r/1024, p/1024, st, sc, f, g }'
 }
 
-read -r -a cases <<< "${OMBRIX_COMPARE_CASES:-conky clock idle playing panel}"
+read -r -a cases <<< "${OMBRIX_COMPARE_CASES:-conky clock idle playing panel cycle}"
 for r in $(seq "$rounds"); do
   for c in "${cases[@]}"; do run_case "$c"; done
 done > "$work/runs"
 
 median() { sort -g | awk '{v[NR] = $1} END {print NR == 0 ? "-" : (NR % 2) ? v[(NR + 1) / 2] : (v[NR / 2] + v[NR / 2 + 1]) / 2}'; }
-printf "%-8s %12s %12s %9s %9s %9s %9s  %s\n" case "cpu s/min" "X+comp s/min" "RSS MiB" "priv MiB" \
-  "start ms" "2nd ms" "frames/s per window (first round)"
+printf "%-8s %12s %12s %9s %9s %9s %9s %9s  %s\n" case "cpu s/min" "X+comp s/min" "RSS MiB" "priv MiB" \
+  "start ms" "2nd ms" "grow MiB" "frames/s per window (first round)"
 for c in "${cases[@]}"; do
   col() { awk -v c="$c" -v k="$1" '$1 == c && $k != "-" {print $k}' "$work/runs" | median; }
   fps=$(awk -v c="$c" '$1 == c {print $8; exit}' "$work/runs")
-  printf "%-8s %12s %12s %9s %9s %9s %9s  %s\n" "$c" "$(col 2)" "$(col 3)" "$(col 4)" "$(col 5)" \
-    "$(col 6)" "$(col 7)" "$fps"
+  printf "%-8s %12s %12s %9s %9s %9s %9s %9s  %s\n" "$c" "$(col 2)" "$(col 3)" "$(col 4)" "$(col 5)" \
+    "$(col 6)" "$(col 7)" "$(col 9)" "$fps"
 done
 echo "($rounds rounds of $secs s each, medians; one virtual display with openbox and xcompmgr)"

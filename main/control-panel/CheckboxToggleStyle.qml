@@ -10,6 +10,20 @@ Row {
     property color labelColor: Colors.checkboxLabel
     signal toggled(bool value)
     spacing: 6
+    activeFocusOnTab: true
+    Keys.onPressed: (event) => {
+        if (event.key === Qt.Key_Space || event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+            root.toggled(!root.checked)
+            event.accepted = true
+        }
+    }
+    Accessible.role: Accessible.CheckBox
+    Accessible.name: root.label
+    Accessible.checkable: true
+    Accessible.checked: root.checked
+    Accessible.onToggleAction: root.toggled(!root.checked)
+    Accessible.onPressAction: root.toggled(!root.checked)
+    FocusRing {}
 
     Symbol {
         objectName: "box"

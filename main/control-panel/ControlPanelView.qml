@@ -58,11 +58,24 @@ Item {
             Repeater {
                 model: [{ text: "Widget", value: "widgets" }, { text: "Impostazioni", value: "settings" }]
                 Rectangle {
+                    id: tabButton
                     required property var modelData
                     objectName: "tab-" + modelData.value
                     implicitWidth: tabText.implicitWidth + 32
                     implicitHeight: tabText.implicitHeight + 12
                     radius: 6
+                    activeFocusOnTab: true
+                    Keys.onPressed: (event) => {
+                        if (event.key === Qt.Key_Space || event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+                            root.model.activeTab = tabButton.modelData.value
+                            event.accepted = true
+                        }
+                    }
+                    Accessible.role: Accessible.PageTab
+                    Accessible.name: tabButton.modelData.text
+                    Accessible.selected: root.model.activeTab === tabButton.modelData.value // qmllint disable unqualified
+                    Accessible.onPressAction: root.model.activeTab = tabButton.modelData.value // qmllint disable unqualified
+                    FocusRing {}
                     color: root.model.activeTab === modelData.value ? Colors.selection : "transparent" // qmllint disable unqualified
                     Text {
                         id: tabText
@@ -135,6 +148,10 @@ Item {
                 objectName: "window-" + modelData.action
                 width: 12; height: 12; radius: 6
                 color: modelData.tint
+                Accessible.role: Accessible.Button
+                Accessible.name: modelData.action === "close" ? "Chiudi" : "Riduci a icona"
+                Accessible.onPressAction: modelData.action === "close" ? root.model.hideWindow(root)
+                                                                       : root.model.minimizeWindow(root)
                 Symbol {
                     anchors.centerIn: parent
                     visible: hover.hovered

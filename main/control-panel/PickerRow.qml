@@ -23,6 +23,7 @@ RowLayout {
     ComboBox {
         id: combo
         objectName: "picker"
+        Accessible.name: root.label
         Layout.preferredWidth: 170
         implicitHeight: 26
         model: root.entries

@@ -63,6 +63,7 @@ ColumnLayout {
             Item { Layout.fillWidth: true }
             PanelSwitch {
                 objectName: "launchAtLogin"
+                name: "Avvia all'accesso"
                 checked: tab.model.launchAtLogin
                 onToggled: (v) => tab.model.launchAtLogin = v
             }
@@ -81,6 +82,7 @@ ColumnLayout {
             Item { Layout.fillWidth: true }
             PanelSwitch {
                 objectName: "autoLocation"
+                name: "Posizione automatica (via IP)"
                 checked: tab.model.weatherAutoMode
                 onToggled: (v) => tab.model.weatherAutoMode = v
             }
@@ -102,6 +104,7 @@ ColumnLayout {
                     spacing: 8
                     TextField {
                         objectName: "cityField"
+                        Accessible.name: "Città"
                         Layout.fillWidth: true
                         text: tab.model.manualCity
                         onTextEdited: tab.model.manualCity = text
@@ -120,6 +123,17 @@ ColumnLayout {
                         radius: 6
                         color: Colors.accentBlue
                         opacity: busy ? 0.6 : 1
+                        activeFocusOnTab: true
+                        Keys.onPressed: (event) => {
+                            if (!busy && (event.key === Qt.Key_Space || event.key === Qt.Key_Return || event.key === Qt.Key_Enter)) {
+                                tab.model.saveManualLocation()
+                                event.accepted = true
+                            }
+                        }
+                        Accessible.role: Accessible.Button
+                        Accessible.name: "Salva"
+                        Accessible.onPressAction: if (!busy) tab.model.saveManualLocation()
+                        FocusRing {}
                         Text {
                             id: saveLabel
                             objectName: "saveLabel"

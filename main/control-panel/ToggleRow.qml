@@ -19,6 +19,7 @@ RowLayout {
     PanelSwitch {
         objectName: "switch"
         checked: root.value
+        name: root.label
         scale: 0.85
         onToggled: (v) => root.toggled(v)
     }

@@ -56,6 +56,7 @@ Rectangle {
             PanelSwitch {
                 objectName: "cardSwitch"
                 checked: card.enabled
+                name: card.title
                 onToggled: (v) => card.toggled(v)
             }
         }

@@ -3,7 +3,9 @@
 #include "ViewHarness.h"
 #include "XSession.h"
 
+#include <QAccessible>
 #include <QTest>
+#include <functional>
 #include <gtest/gtest.h>
 
 TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
@@ -40,4 +42,69 @@ TEST(ControlPanelView, CardsAndSwitchesOfBothTabs)
     ASSERT_TRUE(XSession::waitFor([&] { return view.find("settingsTab")->isVisible(); }, 5000));
     view.grab().save(artifactsDir() + "/panel-settings.png");
     EXPECT_EQ(view.misplaced(QRectF(0, 0, 420, 600)), "");
+}
+
+TEST(ControlPanelView, TheKeyboardWorksEveryControlAndAScreenReaderNamesEach)
+{
+    auto& s = SettingsManager::shared();
+    for (const QString name : {"clock", "weather", "battery", "music"})
+        s.setProperty((name + "Enabled").toLatin1(), name == "battery");
+    s.setProperty("batterySize", "small");
+    s.setBatteryVisibleDevices({"macbook"});
+    ViewHarness view("qrc:/Ombrix/ControlPanel/ControlPanelView.qml", 420, 600);
+    ASSERT_TRUE(view.root) << view.errors.toStdString();
+    QQuickWindow* window = view.window.get();
+    window->requestActivate();
+    ASSERT_TRUE(XSession::waitFor([&] { return window->isActive(); }, 10000)); // keys go to the active window
+
+    // Every control a screen reader meets has a name and tells its state.
+    QStringList unnamed, read;
+    const QSet<QAccessible::Role> controls = {QAccessible::CheckBox, QAccessible::Button, QAccessible::PageTab,
+                                              QAccessible::ComboBox, QAccessible::EditableText};
+    std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* a) {
+        if (!a || a->state().invisible)
+            return;
+        if (controls.contains(a->role())) {
+            const QString name = a->text(QAccessible::Name);
+            (name.isEmpty() ? unnamed : read) << name + (a->state().checked ? " (acceso)" : "");
+        }
+        for (int i = 0; i < a->childCount(); ++i)
+            walk(a->child(i));
+    };
+    walk(QAccessible::queryAccessibleInterface(window));
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.size() << " unnamed of " << read.join(", ").toStdString();
+    for (const char* expected : {"Widget", "Impostazioni", "Orologio & Data", "Batteria (acceso)",
+                                 "Cliccabile attraverso", "Dimensione widget", "Computer (acceso)", "Chiudi"})
+        EXPECT_TRUE(read.contains(expected)) << expected << " not in " << read.join(", ").toStdString();
+
+    // Tab walks the controls; Space flips a switch and a box, arrows pick, Esc closes the list.
+    const auto focused = [&] {
+        QQuickItem* item = window->activeFocusItem();
+        QAccessibleInterface* a = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
+        return a ? a->text(QAccessible::Name) : QString();
+    };
+    const auto tabTo = [&](const QString& name) {
+        for (int i = 0; i < 30 && focused() != name; ++i)
+            QTest::keyClick(window, Qt::Key_Tab);
+        return focused() == name;
+    };
+    ASSERT_TRUE(tabTo("Batteria"));
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_FALSE(s.batteryEnabled());
+    QTest::keyClick(window, Qt::Key_Return);
+    ASSERT_TRUE(s.batteryEnabled());
+    ASSERT_TRUE(tabTo("Dimensione widget"));
+    QTest::keyClick(window, Qt::Key_Up);
+    EXPECT_EQ(s.batterySize(), "medium");
+    QQuickItem* picker = window->activeFocusItem();
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_TRUE(XSession::waitFor(
+        [&] { return picker->property("popup").value<QObject*>()->property("visible").toBool(); }, 5000));
+    QTest::keyClick(window, Qt::Key_Escape);
+    EXPECT_TRUE(XSession::waitFor(
+        [&] { return !picker->property("popup").value<QObject*>()->property("visible").toBool(); }, 5000));
+    ASSERT_TRUE(tabTo("Smartwatch"));
+    QTest::keyClick(window, Qt::Key_Space);
+    EXPECT_EQ(s.batteryVisibleDevices(), QStringList({"macbook", "watch"}));
+    s.setProperty("batterySize", "small");
 }
