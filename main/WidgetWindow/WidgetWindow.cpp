@@ -43,8 +43,8 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     // The manager may hide windows before or after it says so: the widget looks a moment later.
     connect(&ShowingDesktop::shared(), &ShowingDesktop::desktopShown, this, [this] {
         QTimer::singleShot(100, this, [this] {
-            if (isVisible() && !ShowingDesktop::isViewable(this))
-                ShowingDesktop::bringBack(this);
+            if (isVisible() && !x11::isViewable(this))
+                x11::askToShow(this);
         });
     });
     create();

@@ -125,12 +125,7 @@ RootBackground::RootBackground()
     m_pixmapAtoms[1] = a[1];
     m_cmAtom = a[2];
 
-    // Property changes on the root are added to whatever the toolkit already listens for there.
-    if (auto* attrs = xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, root), nullptr)) {
-        const uint32_t mask = attrs->your_event_mask | XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(c, root, XCB_CW_EVENT_MASK, &mask);
-        free(attrs);
-    }
+    x11::watchRootProperties(c);
     // A compositor starting or stopping changes the owner of its selection: XFixes tells us.
     const xcb_query_extension_reply_t* ext = xcb_get_extension_data(c, &xcb_xfixes_id);
     if (ext && ext->present) {

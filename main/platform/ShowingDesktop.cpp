@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QPointer>
-#include <QWindow>
 #include <xcb/xcb.h>
 
 namespace {
@@ -45,13 +44,7 @@ ShowingDesktop::ShowingDesktop()
     if (!c)
         return;
     m_atom = internAtom(c, "_NET_SHOWING_DESKTOP");
-    // Property changes on the root are added to whatever the toolkit already listens for there.
-    const xcb_window_t root = x11::rootScreen(c)->root;
-    if (auto* attrs = xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, root), nullptr)) {
-        const uint32_t mask = attrs->your_event_mask | XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_change_window_attributes(c, root, XCB_CW_EVENT_MASK, &mask);
-        free(attrs);
-    }
+    x11::watchRootProperties(c);
     xcb_flush(c);
     qApp->installNativeEventFilter(this);
 }
@@ -67,33 +60,4 @@ bool ShowingDesktop::nativeEventFilter(const QByteArray& eventType, void* messag
     if (e->atom == m_atom && showing(x11::connection(), m_atom))
         emit desktopShown();
     return false;
-}
-
-bool ShowingDesktop::isViewable(QWindow* window)
-{
-    xcb_connection_t* c = x11::connection();
-    if (!c || !window)
-        return true;
-    auto* attrs =
-        xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, xcb_window_t(window->winId())), nullptr);
-    const bool viewable = !attrs || attrs->map_state == XCB_MAP_STATE_VIEWABLE;
-    free(attrs);
-    return viewable;
-}
-
-void ShowingDesktop::bringBack(QWindow* window)
-{
-    xcb_connection_t* c = x11::connection();
-    if (!c || !window)
-        return;
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = xcb_window_t(window->winId());
-    event.type = internAtom(c, "_NET_ACTIVE_WINDOW");
-    event.data.data32[0] = 2; // from a pager: honoured without a timestamp
-    xcb_send_event(c, 0, x11::rootScreen(c)->root,
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&event));
-    xcb_flush(c);
 }

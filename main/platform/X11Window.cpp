@@ -36,6 +36,24 @@ void setAtoms(xcb_connection_t* c, xcb_window_t w, const char* property, std::in
                         atoms.data());
 }
 
+// A client message about `window` to the manager, as EWMH asks.
+void askManager(QWindow* window, const char* type, uint32_t first, uint32_t second)
+{
+    xcb_connection_t* c = connection();
+    if (!c || !window)
+        return;
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = xcb_window_t(window->winId());
+    event.type = atom(c, type);
+    event.data.data32[0] = first;
+    event.data.data32[1] = second;
+    xcb_send_event(c, 0, rootOf(c), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+    xcb_flush(c);
+}
+
 } // namespace
 
 bool windowManagerTilesEverything()
@@ -76,21 +94,26 @@ void applyWidgetHints(QWindow* window)
 
 void showOnAllDesktops(QWindow* window)
 {
-    xcb_connection_t* c = connection();
-    if (!c || !window)
-        return;
     // Once mapped, the desktop is asked of the manager: KWin ignores the property set before
     // mapping and puts the window on the current desktop.
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = xcb_window_t(window->winId());
-    event.type = atom(c, "_NET_WM_DESKTOP");
-    event.data.data32[0] = 0xFFFFFFFF;
-    event.data.data32[1] = 2; // source: a pager-like request, honoured without timestamps
-    xcb_send_event(c, 0, rootOf(c), XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&event));
-    xcb_flush(c);
+    askManager(window, "_NET_WM_DESKTOP", 0xFFFFFFFF, 2); // source: a pager, honoured without timestamps
+}
+
+void askToShow(QWindow* window)
+{
+    askManager(window, "_NET_ACTIVE_WINDOW", 2, XCB_CURRENT_TIME); // source: a pager
+}
+
+bool isViewable(QWindow* window)
+{
+    xcb_connection_t* c = connection();
+    if (!c || !window)
+        return true;
+    auto* attrs =
+        xcb_get_window_attributes_reply(c, xcb_get_window_attributes(c, xcb_window_t(window->winId())), nullptr);
+    const bool viewable = !attrs || attrs->map_state == XCB_MAP_STATE_VIEWABLE;
+    free(attrs);
+    return viewable;
 }
 
 void lowerWindow(QWindow* window)

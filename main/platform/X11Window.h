@@ -16,6 +16,11 @@ bool windowManagerTilesEverything();
 // Asks the manager to keep a mapped window on every desktop.
 void showOnAllDesktops(QWindow* window);
 
+// Asks the manager to show the window again, as a pager does for a window it picks.
+void askToShow(QWindow* window);
+// Whether the X server shows the window (it and every ancestor mapped).
+bool isViewable(QWindow* window);
+
 // Puts the window at the bottom of the stack; for windows no manager keeps below.
 void lowerWindow(QWindow* window);
 
