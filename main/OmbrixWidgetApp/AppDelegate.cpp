@@ -8,6 +8,7 @@
 #include "WidgetHostingView.h"
 #include "WidgetTable.h"
 #include "WidgetWindow.h"
+#include "X11Window.h"
 
 #include <QCoreApplication>
 #include <QMenu>
@@ -119,8 +120,16 @@ void AppDelegate::resizeWidget(const QString& name, const QString& size)
 
 void AppDelegate::updateClickThrough(const QString& name, bool enabled)
 {
-    if (WidgetWindow* window = m_widgetWindows.value(name))
-        window->setClickThrough(enabled);
+    WidgetWindow* window = m_widgetWindows.value(name);
+    if (!window)
+        return;
+    // Where the manager's frame would catch the clicks, the window is made anew, managed or not.
+    if (x11::windowManagerFramesCatchClicks()) {
+        despawnWidget(name);
+        spawnWidget(name);
+        return;
+    }
+    window->setClickThrough(enabled);
 }
 
 std::optional<Position> AppDelegate::getSavedPosition(const QString& name) const

@@ -33,9 +33,10 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
         m_contentView->setParentItem(contentItem());
         m_contentView->setParent(this);
     }
-    // Under a manager that floats every window it manages above the tiled ones, the widget is left
-    // unmanaged and moves and stays below by itself.
-    if (x11::windowManagerTilesEverything())
+    // Under a manager that floats every window it manages above the tiled ones, or whose frames
+    // catch the clicks a widget lets through, the widget is left unmanaged and moves and stays
+    // below by itself.
+    if (x11::windowManagerTilesEverything() || (isClickThrough && x11::windowManagerFramesCatchClicks()))
         setFlag(Qt::X11BypassWindowManagerHint);
     setClickThrough(isClickThrough);
     // A widget is part of the desktop: a manager that hides every ordinary window to show the

@@ -2,6 +2,7 @@
 
 #include "X11Connection.h"
 
+#include <QByteArray>
 #include <QWindow>
 #include <vector>
 #include <xcb/xcb.h>
@@ -70,6 +71,27 @@ bool windowManagerTilesEverything()
     const bool present = reply && reply->type != XCB_ATOM_NONE;
     free(reply);
     return present;
+}
+
+bool windowManagerFramesCatchClicks()
+{
+    xcb_connection_t* c = connection();
+    if (!c)
+        return false;
+    // The manager names itself on the window its _NET_SUPPORTING_WM_CHECK points to.
+    const auto read = [c](xcb_window_t w, xcb_atom_t property, xcb_atom_t type) {
+        auto* reply = xcb_get_property_reply(c, xcb_get_property(c, 0, w, property, type, 0, 64), nullptr);
+        QByteArray value = reply ? QByteArray(static_cast<const char*>(xcb_get_property_value(reply)),
+                                              xcb_get_property_value_length(reply))
+                                 : QByteArray();
+        free(reply);
+        return value;
+    };
+    const QByteArray check = read(rootOf(c), atom(c, "_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW);
+    if (check.size() != 4)
+        return false;
+    return read(*reinterpret_cast<const xcb_window_t*>(check.constData()), atom(c, "_NET_WM_NAME"),
+                atom(c, "UTF8_STRING")) == "Fluxbox";
 }
 
 void applyWidgetHints(QWindow* window)

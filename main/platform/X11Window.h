@@ -13,6 +13,10 @@ void applyWidgetHints(QWindow* window);
 // a widget must bypass the manager and carry out its own drag and stacking.
 bool windowManagerTilesEverything();
 
+// True under a manager whose frame keeps catching clicks over a window that lets them through
+// (fluxbox): there a click-through widget must bypass the manager.
+bool windowManagerFramesCatchClicks();
+
 // Asks the manager to keep a mapped window on every desktop.
 void showOnAllDesktops(QWindow* window);
 
