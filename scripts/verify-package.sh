@@ -32,7 +32,7 @@ start=$(date +%s)
 
 # The clean root is made once; each install gets a fresh copy of it.
 if [ ! -f "$base/.complete" ]; then
-  rm -rf "$base"
+  rm -rf --one-file-system "$base"
   debootstrap --variant=minbase bookworm "$base" "$mirror" >"$cache/debootstrap.log" 2>&1 ||
     { tail -20 "$cache/debootstrap.log"; cannot "debootstrap could not make a root"; }
   cat >"$base/etc/apt/sources.list" <<EOF
@@ -46,14 +46,26 @@ fi
 work=$(mktemp -d /tmp/ombrix-package-check.XXXXXX)
 root=""
 app=""
+# The copy's only mount is its own /proc: the root brings its own device nodes, the X server is
+# reached through its abstract socket, and packages are copied in and out of the cache. Whatever
+# still runs in the copy is stopped first, and a copy that still has a mount is never deleted.
+release_root() {
+  [ -n "$root" ] || return 0
+  for p in /proc/[0-9]*; do
+    [ "$(readlink "$p/root" 2>/dev/null)" = "$root" ] && kill -9 "${p#/proc/}" 2>/dev/null
+  done
+  mountpoint -q "$root/proc" && umount "$root/proc"
+  if findmnt -rn -o TARGET | grep -q "^$root"; then
+    echo "PACKAGE CHECK: $root still has mounts, left in place" >&2
+    return 1
+  fi
+  rm -rf --one-file-system "$root"
+  root=""
+}
 cleanup() {
   [ -n "$app" ] && kill "$app" 2>/dev/null || true
-  if [ -n "$root" ]; then
-    for m in var/cache/apt/archives tmp/.X11-unix dev proc; do
-      mountpoint -q "$root/$m" && umount -l "$root/$m"
-    done
-  fi
-  rm -rf "$work"
+  release_root || exit 1
+  rm -rf --one-file-system "$work"
 }
 trap cleanup EXIT
 
@@ -65,10 +77,10 @@ check_mode() {
   root=$work/$mode
   cp -a "$base" "$root"
   mount -t proc proc "$root/proc"
-  mount --bind /dev "$root/dev"
-  mkdir -p "$root/tmp/.X11-unix"
-  mount --bind /tmp/.X11-unix "$root/tmp/.X11-unix"
-  mount --bind "$archives" "$root/var/cache/apt/archives"
+  # No service of a package starts inside the copy.
+  printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
+  chmod +x "$root/usr/sbin/policy-rc.d"
+  cp "$archives"/*.deb "$root/var/cache/apt/archives/" 2>/dev/null || true
   cp /etc/resolv.conf "$root/etc/resolv.conf" 2>/dev/null || true
   cp "$deb" "$root/tmp/"
   local log=$artifacts/package-$mode
@@ -80,6 +92,7 @@ check_mode() {
     tail -30 "$log-apt.log"
     return 1
   fi
+  cp -n "$root"/var/cache/apt/archives/*.deb "$archives/" 2>/dev/null || true
   local pulled; pulled=$(comm -13 <(echo "$before") <(chroot "$root" dpkg-query -W -f='${Package}\n' | sort))
   echo "[$mode] apt installed $(wc -l <<<"$pulled") packages (list in $log-apt.log)"
   echo "$pulled" | sed 's/^/  pulled: /' >>"$log-apt.log"
@@ -136,9 +149,7 @@ check_mode() {
   done <<<"$files"
   [ $left -eq 0 ] && echo "[$mode] purge left nothing of its $(grep -c . <<<"$files") paths under /usr"
 
-  for m in var/cache/apt/archives tmp/.X11-unix dev proc; do umount -l "$root/$m"; done
-  rm -rf "$root"
-  root=""
+  release_root || return 1
   return $((ok | left))
 }
 
