@@ -41,6 +41,11 @@ WidgetWindow::WidgetWindow(const QString& name, WidgetHostingView* contentView, 
     setClickThrough(isClickThrough);
     // A widget is part of the desktop: a manager that hides every ordinary window to show the
     // desktop (openbox) is asked for the widget back, and the user's windows stay out of the way.
+    // fluxbox minimizes every window instead: a widget, which has no way to be minimized, comes back.
+    connect(this, &QWindow::windowStateChanged, this, [this](Qt::WindowState state) {
+        if (state == Qt::WindowMinimized)
+            QTimer::singleShot(0, this, &QWindow::showNormal);
+    });
     // The manager may hide windows before or after it says so: the widget looks a moment later.
     connect(&ShowingDesktop::shared(), &ShowingDesktop::desktopShown, this, [this] {
         QTimer::singleShot(100, this, [this] {

@@ -145,8 +145,9 @@ TEST_P(WindowManager, FrostedGlassBelowUnfocusedOnEveryDesktopAndStoredWhereDrag
         EXPECT_TRUE(props.contains(p)) << p << " in " << props.toStdString();
 
     // "Show desktop" leaves the widget on the desktop, wherever the manager has the action.
-    if (QString(d.windowManager) != "i3" && QString(d.windowManager) != "fluxbox") {
-        x.run("wmctrl", {"-k", "on"});
+    if (QString(d.windowManager) != "i3") {
+        const bool fluxbox = QString(d.windowManager) == "fluxbox";
+        fluxbox ? x.run("fluxbox-remote", {"ShowDesktop"}) : x.run("wmctrl", {"-k", "on"});
         const auto viewable = [&](const QString& id) {
             return x.run("xwininfo", {"-id", id}).contains("Map State: IsViewable");
         };

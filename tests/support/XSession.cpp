@@ -60,6 +60,13 @@ XSession::XSession(XSessionOptions options)
     }
     if (wm == "xfwm4")
         wmArgs = {"--compositor=off"};
+    if (wm == "fluxbox") {
+        // Its own actions (ShowDesktop) are sent with fluxbox-remote.
+        QDir().mkpath(home() + "/.fluxbox");
+        QFile init(home() + "/.fluxbox/init");
+        init.open(QIODevice::WriteOnly);
+        init.write("session.screen0.allowRemoteActions: true\n");
+    }
     // GNOME's manager (and compositor) on X11 wants a session bus of its own.
     QString program = wm;
     if (wm == "mutter") {
