@@ -54,7 +54,9 @@ release_root() {
   for p in /proc/[0-9]*; do
     [ "$(readlink "$p/root" 2>/dev/null)" = "$root" ] && kill -9 "${p#/proc/}" 2>/dev/null
   done
-  mountpoint -q "$root/proc" && umount "$root/proc"
+  # Its /proc, and whatever the sandbox a chroot runs in mounted below it (seen: /dev/pts, /dev/shm,
+  # the X socket), deepest first.
+  findmnt -rn -o TARGET | grep "^$root/" | sort -r | while read -r m; do umount "$m" || umount -l "$m"; done
   if findmnt -rn -o TARGET | grep -q "^$root"; then
     echo "PACKAGE CHECK: $root still has mounts, left in place" >&2
     return 1
