@@ -16,7 +16,7 @@ pkgs=(
   ca-certificates
 )
 if [ "${1:-}" = --tests ]; then
-  pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 mutter wmctrl desktop-file-utils appstream picom feh clang-format debootstrap lintian)
+  pkgs+=(fluxbox xfwm4 i3-wm kwin-x11 mutter xwayland wmctrl desktop-file-utils appstream picom feh clang-format debootstrap lintian)
   # UPower stood in for by dbusmock, real MPRIS players, tagged audio made by ffmpeg.
   pkgs+=(python3-dbusmock mpv mpv-mpris ffmpeg)
 fi

@@ -213,6 +213,7 @@ void WidgetWindow::moveEvent(QMoveEvent* event)
         m_lastDelivered = event->pos();
         return;
     }
+    m_lastMoveAt = m_clock.elapsed();
     if (x11::isLeftButtonDown()) {
         if (!m_dragPoll.isActive())
             m_dragPoll.start();
@@ -224,7 +225,11 @@ void WidgetWindow::moveEvent(QMoveEvent* event)
 
 void WidgetWindow::settleMove()
 {
-    if (x11::isLeftButtonDown())
+    // Under XWayland the button stays down after the compositor's move: there, a window at rest
+    // for a moment has been let go.
+    constexpr qint64 restMs = 400;
+    const bool atRest = x11::isXWayland() && m_clock.elapsed() - m_lastMoveAt >= restMs;
+    if (x11::isLeftButtonDown() && !atRest)
         return;
     m_dragPoll.stop();
     deliverMove();

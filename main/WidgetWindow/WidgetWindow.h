@@ -67,6 +67,7 @@ class WidgetWindow : public QQuickWindow {
     // Positions this window asked for whose report hasn't come back yet, with when they were asked.
     QList<std::pair<QPoint, qint64>> m_ownMoves;
     QElapsedTimer m_clock;
+    qint64 m_lastMoveAt = 0; // on m_clock
     Rect m_frame;
     // Where the last notification found the window: a report of that same place again is no move.
     std::optional<QPoint> m_lastDelivered;

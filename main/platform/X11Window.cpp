@@ -3,6 +3,8 @@
 #include "X11Connection.h"
 
 #include <QByteArray>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWindow>
 #include <vector>
 #include <xcb/xcb.h>
@@ -167,6 +169,13 @@ bool isLeftButtonDown()
     const bool down = reply->mask & XCB_BUTTON_MASK_1;
     free(reply);
     return down;
+}
+
+bool isXWayland()
+{
+    // Its XWAYLAND extension came only with XWayland 23; its outputs have always had these names.
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return screen && screen->name().startsWith("XWAYLAND");
 }
 
 } // namespace x11

@@ -35,4 +35,8 @@ bool displayReachable();
 // holds the pointer during a move).
 bool isLeftButtonDown();
 
+// Whether the X server is XWayland, whose view of the pointer stops while the Wayland compositor
+// moves a window: it never hears of the release that ends the move.
+bool isXWayland();
+
 } // namespace x11

@@ -42,13 +42,26 @@ XSession::XSession(XSessionOptions options)
     // Xvfb picks a free display and writes its number to the descriptor we name: its output. By default
     // it resets when its last client leaves and refuses connections meanwhile: a look at the root before
     // the manager connected then made the manager fail to open the display.
-    startHelper("Xvfb", {"-displayfd", "1", "-noreset", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
-    QByteArray number;
-    if (!waitFor([&] { return (number += m_helpers.back()->readAllStandardOutput()).contains('\n'); }))
-        return;
-    m_display = ":" + QString::fromLatin1(number.trimmed());
-    QDir().mkpath(home() + "/.config/OmbrixWidget");
+    // GNOME on Wayland: headless mutter with XWayland, whose display and key its child prints; the
+    // pointer is then moved through mutter, by that child.
     const QString& wm = options.windowManager;
+    const bool wayland = wm == "mutter-wayland";
+    if (wayland)
+        startHelper("dbus-run-session", {"--", "mutter", "--headless", "--wayland", "--virtual-monitor", "1440x900",
+                                         "--", OMBRIX_MUTTER_POINTER,
+                                         m_pointerPipe = home() + "/pointer"});
+    else
+        startHelper("Xvfb", {"-displayfd", "1", "-noreset", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
+    QByteArray line;
+    if (!waitFor([&] { return (line += m_helpers.back()->readAllStandardOutput()).contains('\n'); }, 60000))
+        return;
+    m_display = QString::fromLatin1(line.trimmed()).section(' ', -1);
+    if (!m_display.startsWith(':'))
+        m_display.prepend(':');
+    m_xauthority = QString::fromLatin1(line.trimmed()).section(' ', 0, 0, QString::SectionSkipEmpty);
+    if (!wayland)
+        m_xauthority.clear();
+    QDir().mkpath(home() + "/.config/OmbrixWidget");
     QStringList wmArgs;
     if (wm == "i3") {
         // Its own config: no first-run wizard, and the tests' ordinary windows float.
@@ -75,7 +88,8 @@ XSession::XSession(XSessionOptions options)
     }
     // A manager that exits is started again; one that runs gets time to answer on a loaded machine.
     const auto managed = [&] { return run("xprop", {"-root", "_NET_SUPPORTING_WM_CHECK"}).contains("window id"); };
-    for (int attempt = 0; attempt < 3 && !m_managed; ++attempt) {
+    m_managed = wayland && waitFor(managed, 60000);
+    for (int attempt = 0; attempt < 3 && !m_managed && !wayland; ++attempt) {
         if (attempt)
             m_helpers.pop_back();
         startHelper(program, wmArgs);
@@ -116,6 +130,8 @@ QProcessEnvironment XSession::environment() const
     env.insert("HOME", home());
     env.insert("XDG_CONFIG_HOME", home() + "/.config");
     env.insert("XDG_RUNTIME_DIR", home());
+    if (!m_xauthority.isEmpty())
+        env.insert("XAUTHORITY", m_xauthority);
     env.remove("QT_QPA_PLATFORM");
     env.remove("DBUS_SESSION_BUS_ADDRESS");
     env.insert("KWIN_COMPOSE", "N"); // no compositing on a virtual display
@@ -156,7 +172,7 @@ void XSession::startHelper(const QString& program, const QStringList& args)
     QProcess* p = m_helpers.back().get();
     p->setProcessEnvironment(environment());
     p->setStandardErrorFile(home() + "/helpers.log", QIODevice::Append);
-    if (program != "Xvfb")
+    if (m_helpers.size() > 1) // the display's own tells where it is
         p->setStandardOutputFile(QProcess::nullDevice());
     p->start(program, args);
     p->waitForStarted(10000);
@@ -173,11 +189,25 @@ ProgramRun runProgram(const QString& program, const QStringList& args, const QPr
             QString::fromUtf8(p.readAllStandardError())};
 }
 
+void XSession::pointer(QPoint at, const QString& button) const
+{
+    if (m_pointerPipe.isEmpty()) {
+        const QStringList then = button.isEmpty() ? QStringList{} : QStringList{"mouse" + button, "1"};
+        run("xdotool", QStringList{"mousemove", QString::number(at.x()), QString::number(at.y())} + then);
+        return;
+    }
+    QFile pipe(m_pointerPipe);
+    if (!pipe.open(QIODevice::WriteOnly))
+        return;
+    pipe.write(QString("move %1 %2\n").arg(at.x()).arg(at.y()).toLatin1());
+    for (const QString& b : button == "click" ? QStringList{"down", "up"} : QStringList{button})
+        pipe.write(b.toLatin1() + "\n");
+    pipe.close();
+    QThread::msleep(100); // mutter takes the steps in its own time
+}
+
 bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
 {
-    const auto pointer = [&](QPoint p, const QStringList& then = {}) {
-        run("xdotool", QStringList{"mousemove", QString::number(p.x()), QString::number(p.y())} + then);
-    };
     QPoint last = geometryOf(windowId).topLeft();
     const auto follows = [&](int timeoutMs) {
         return waitFor(
@@ -189,7 +219,7 @@ bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
     };
     // The move is handed over once the pointer travels a few points, and the window then trails it by
     // that much: steps of 4 until it follows, then the rest of the way, waited for before the release.
-    pointer(from, {"mousedown", "1"});
+    pointer(from, "down");
     const QPointF unit = QPointF(to - from) * 4 / std::max(1, (to - from).manhattanLength());
     bool moving = false;
     for (int step = 1; step <= 20 && !moving; ++step) {
@@ -198,7 +228,7 @@ bool XSession::drag(const QString& windowId, QPoint from, QPoint to) const
     }
     pointer(to);
     moving = moving && follows(10000);
-    run("xdotool", {"mouseup", "1"});
+    pointer(to, "up");
     return moving;
 }
 

@@ -30,7 +30,7 @@ QString artifactsDir();
 struct XSessionOptions {
     bool tray = false;
     QStringList compositor = {};       // a compositor's command line
-    QString windowManager = "openbox"; // or fluxbox, xfwm4, i3, kwin_x11, mutter
+    QString windowManager = "openbox"; // or fluxbox, xfwm4, i3, kwin_x11, mutter, mutter-wayland
 };
 
 class XSession {
@@ -55,10 +55,7 @@ class XSession {
         return runProgram(program, args, environment(), timeoutMs).out;
     }
     // A real click; a press, a drag that waits for the window to follow, and a release.
-    void click(QPoint at) const
-    {
-        run("xdotool", {"mousemove", QString::number(at.x()), QString::number(at.y()), "click", "1"});
-    }
+    void click(QPoint at) const { pointer(at, "click"); }
     bool drag(const QString& windowId, QPoint from, QPoint to) const;
 
     // build/OmbrixWidget (or `command`) on this display, with `extra` variables (a private bus, for one).
@@ -78,10 +75,14 @@ class XSession {
     static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 30000);
 
   private:
+    // The pointer moved to `at`, then the left button's "down", "up" or "click" (or nothing).
+    void pointer(QPoint at, const QString& button = {}) const;
     void startHelper(const QString& program, const QStringList& args);
 
     QTemporaryDir m_home;
     QString m_display;
+    QString m_xauthority;  // XWayland's key
+    QString m_pointerPipe; // to mutter's pointer, on Wayland
     std::vector<std::unique_ptr<QProcess, void (*)(QProcess*)>> m_helpers; // Xvfb first
     bool m_managed = false;                                                // a window manager answers
     std::unique_ptr<QProcess> m_app;
