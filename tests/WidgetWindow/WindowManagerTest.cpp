@@ -167,7 +167,6 @@ INSTANTIATE_TEST_SUITE_P(Matrix, WindowManager,
                          ::testing::Values(Desktop{"openbox", "", "transparent"}, Desktop{"i3", "", "opaque"},
                                            Desktop{"fluxbox", "xcompmgr", "transparent"},
                                            Desktop{"xfwm4", "xcompmgr", "opaque"},
-                                           Desktop{"kwin_x11", "picom", "transparent"},
-                                           Desktop{"mutter", "", "opaque"},
+                                           Desktop{"kwin_x11", "picom", "transparent"}, Desktop{"mutter", "", "opaque"},
                                            Desktop{"mutter-wayland", "", "transparent"}),
                          [](const auto& info) { return QString(info.param.windowManager).remove('-').toStdString(); });

@@ -48,8 +48,7 @@ XSession::XSession(XSessionOptions options)
     const bool wayland = wm == "mutter-wayland";
     if (wayland)
         startHelper("dbus-run-session", {"--", "mutter", "--headless", "--wayland", "--virtual-monitor", "1440x900",
-                                         "--", OMBRIX_MUTTER_POINTER,
-                                         m_pointerPipe = home() + "/pointer"});
+                                         "--", OMBRIX_MUTTER_POINTER, m_pointerPipe = home() + "/pointer"});
     else
         startHelper("Xvfb", {"-displayfd", "1", "-noreset", "-screen", "0", "1440x900x24", "-nolisten", "tcp"});
     QByteArray line;
@@ -192,7 +191,9 @@ ProgramRun runProgram(const QString& program, const QStringList& args, const QPr
 void XSession::pointer(QPoint at, const QString& button) const
 {
     if (m_pointerPipe.isEmpty()) {
-        const QStringList then = button.isEmpty() ? QStringList{} : QStringList{"mouse" + button, "1"};
+        const QStringList then = button.isEmpty()    ? QStringList{}
+                                 : button == "click" ? QStringList{"click", "1"}
+                                                     : QStringList{"mouse" + button, "1"};
         run("xdotool", QStringList{"mousemove", QString::number(at.x()), QString::number(at.y())} + then);
         return;
     }

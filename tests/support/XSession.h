@@ -81,8 +81,8 @@ class XSession {
 
     QTemporaryDir m_home;
     QString m_display;
-    QString m_xauthority;  // XWayland's key
-    QString m_pointerPipe; // to mutter's pointer, on Wayland
+    QString m_xauthority;                                                  // XWayland's key
+    QString m_pointerPipe;                                                 // to mutter's pointer, on Wayland
     std::vector<std::unique_ptr<QProcess, void (*)(QProcess*)>> m_helpers; // Xvfb first
     bool m_managed = false;                                                // a window manager answers
     std::unique_ptr<QProcess> m_app;
