@@ -34,16 +34,13 @@ AppDelegate::~AppDelegate()
     qDeleteAll(m_widgetWindows);
     m_widgetWindows.clear();
     // The panel's scene before the state it binds to.
-    if (m_controlPanelWindow)
-        releaseControlPanelScene();
-    delete m_controlPanelWindow;
+    releaseControlPanel();
 }
 
 void AppDelegate::applicationDidFinishLaunching(bool showPanel)
 {
     // There is no dock to leave: the tray item and the panel are the way in.
     setupStatusBarItem();
-    createControlPanelWindow();
     restoreWidgets();
     // A login entry of an earlier version would open the panel at every login.
     autostart::upgrade(QCoreApplication::applicationFilePath());

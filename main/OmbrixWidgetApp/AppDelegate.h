@@ -5,14 +5,15 @@
 
 #include <QMap>
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
+#include <QQuickWindow>
 #include <memory>
 #include <optional>
 
 class ControlPanelModel;
 class QQmlEngine;
 class QQuickItem;
-class QQuickWindow;
 class QSystemTrayIcon;
 class QMenu;
 class SettingsManager;
@@ -42,10 +43,11 @@ class AppDelegate : public QObject {
     void windowDidMove(QObject* sender);
 
     void setupStatusBarItem();
+    // The panel's window and scene live while it is shown; its state (ControlPanelModel) and its
+    // place stay.
     void createControlPanelWindow();
     void showControlPanel();
-    void buildControlPanelScene();
-    void releaseControlPanelScene();
+    void releaseControlPanel();
     void quitApp();
 
     const QMap<QString, WidgetWindow*>& widgetWindows() const { return m_widgetWindows; }
@@ -57,11 +59,12 @@ class AppDelegate : public QObject {
   private:
     QSystemTrayIcon* m_statusBarItem = nullptr;
     std::unique_ptr<QMenu> m_statusMenu;
-    QQuickWindow* m_controlPanelWindow = nullptr;
-    QPointer<ControlPanelModel> m_panelModel;
-    QPointer<QQuickItem> m_panelScene;
+    QPointer<QQuickWindow> m_controlPanelWindow;
+    ControlPanelModel* m_panelModel = nullptr;
+    std::optional<QPoint> m_panelPosition;
     QMap<QString, WidgetWindow*> m_widgetWindows;
     SettingsManager& m_settings;
     bool m_isSnapping = false;
-    std::unique_ptr<QQmlEngine> m_engine;
+    std::unique_ptr<QQmlEngine> m_engine;      // the widgets'
+    std::unique_ptr<QQmlEngine> m_panelEngine; // the panel's, while it is shown
 };

@@ -4,6 +4,7 @@
 #include "AppIcon.h"
 #include "AppLog.h"
 #include "ControlPanelModel.h"
+#include "Memory.h"
 #include "Screen.h"
 
 #include <QGuiApplication>
@@ -43,60 +44,63 @@ void AppDelegate::setupStatusBarItem()
 
 void AppDelegate::createControlPanelWindow()
 {
+    if (m_controlPanelWindow)
+        return;
+    // An engine of its own, gone with the window: what it compiled and allocated for the panel
+    // (its types, its JavaScript heap), the window's backing store and the scene's last nodes,
+    // which a hidden window never renders away, would otherwise stay for the app's whole life.
+    m_panelEngine = std::make_unique<QQmlEngine>();
+    m_panelEngine->addImportPath("qrc:/");
+    if (!m_panelModel)
+        m_panelModel = new ControlPanelModel(this); // what the user left: tab, scroll, typed city
     auto* window = new QQuickWindow();
     window->setFlags(Qt::Window | Qt::FramelessWindowHint);
     window->setColor(QColor(24, 24, 28));
     window->setTitle("OmbrixWidget Control Panel");
+    // Centred the first time; then back where it was left.
     const Rect v = screen::visibleFrame();
     const Rect frame{(v.width - 420.0) * 0.5, (v.height - 600.0) * 0.5, 420.0, 600.0};
-    window->setGeometry(screen::toQt(frame, screen::primaryHeight()));
+    QRect geometry = screen::toQt(frame, screen::primaryHeight());
+    if (m_panelPosition)
+        geometry.moveTopLeft(*m_panelPosition);
+    window->setGeometry(geometry);
     window->setMinimumSize(QSize(420, 600));
     window->setMaximumSize(QSize(420, 600));
     window->installEventFilter(this);
-    // The window and the panel's state are made once; the scene lives only while the panel is shown.
-    m_panelModel = new ControlPanelModel(window);
+    m_controlPanelWindow = window;
     // Released once the event loop turns: the panel is often hidden from inside its own scene (its
     // close control), and it may be shown again before then.
     connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
         if (!visible)
             QTimer::singleShot(0, this, [this] {
                 if (m_controlPanelWindow && !m_controlPanelWindow->isVisible())
-                    releaseControlPanelScene();
+                    releaseControlPanel();
             });
     });
-    m_controlPanelWindow = window;
-}
-
-void AppDelegate::buildControlPanelScene()
-{
-    if (m_panelScene)
-        return;
-    QQmlComponent component(m_engine.get(), QUrl("qrc:/Ombrix/ControlPanel/ControlPanelView.qml"));
+    QQmlComponent component(m_panelEngine.get(), QUrl("qrc:/Ombrix/ControlPanel/ControlPanelView.qml"));
     auto* root = qobject_cast<QQuickItem*>(
-        component.createWithInitialProperties({{"model", QVariant::fromValue(m_panelModel.data())}}));
+        component.createWithInitialProperties({{"model", QVariant::fromValue(m_panelModel)}}));
     if (!root) {
         qCWarning(lcApp).noquote() << "the Control Panel did not load:" << component.errorString();
         return;
     }
-    root->setParentItem(m_controlPanelWindow->contentItem());
-    root->setParent(m_controlPanelWindow);
-    m_panelScene = root;
+    root->setParentItem(window->contentItem());
+    root->setParent(window);
 }
 
-void AppDelegate::releaseControlPanelScene()
+void AppDelegate::releaseControlPanel()
 {
-    if (!m_panelScene)
+    if (!m_controlPanelWindow)
         return;
-    delete m_panelScene.data();
-    m_controlPanelWindow->releaseResources();
-    m_engine->trimComponentCache();
+    m_panelPosition = m_controlPanelWindow->position();
+    delete m_controlPanelWindow.data(); // its scene with it, before the engine
+    m_panelEngine.reset();
+    memory::returnFreePages();
 }
 
 void AppDelegate::showControlPanel()
 {
-    if (!m_controlPanelWindow)
-        return;
-    buildControlPanelScene();
+    createControlPanelWindow();
     m_controlPanelWindow->show();
     m_controlPanelWindow->raise();
     m_controlPanelWindow->requestActivate();

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Ombrix.Settings
 import Ombrix.WidgetWindow
@@ -101,7 +100,7 @@ Item {
             contentWidth: width
             contentHeight: content.implicitHeight + 48
             boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar { policy: ScrollBar.AsNeeded }
+            PanelScrollBar { flickable: scroller }
             // Back where it was left once the content is tall enough to be there, then followed.
             property bool restored: false
             onContentHeightChanged: {

@@ -1,6 +1,5 @@
 import QtQuick
 import Ombrix.WidgetViews
-import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Ombrix.Settings
 import Ombrix.ControlPanel
@@ -102,18 +101,39 @@ ColumnLayout {
                 RowLayout {
                     Layout.fillWidth: true
                     spacing: 8
-                    TextField {
-                        objectName: "cityField"
-                        Accessible.name: "Città"
+                    // A plain text input: Qt Quick Controls' field would stay loaded after the panel closes.
+                    Rectangle {
                         Layout.fillWidth: true
-                        text: tab.model.manualCity
-                        onTextEdited: tab.model.manualCity = text
-                        placeholderText: "es. Milano, Roma, Napoli"
-                        placeholderTextColor: Colors.faint
-                        color: Colors.white
-                        font.pixelSize: 13
-                        topPadding: 6; bottomPadding: 6; leftPadding: 10; rightPadding: 10
-                        background: Rectangle { radius: 6; color: Colors.hairline }
+                        implicitHeight: field.implicitHeight + 12
+                        radius: 6
+                        color: Colors.hairline
+                        TextInput {
+                            id: field
+                            objectName: "cityField"
+                            Accessible.role: Accessible.EditableText
+                            Accessible.name: "Città"
+                            Accessible.editable: true
+                            anchors.fill: parent
+                            anchors.leftMargin: 10; anchors.rightMargin: 10
+                            verticalAlignment: TextInput.AlignVCenter
+                            clip: true
+                            activeFocusOnTab: true
+                            selectByMouse: true
+                            text: tab.model.manualCity
+                            onTextEdited: tab.model.manualCity = text
+                            color: Colors.white
+                            selectionColor: Colors.accentBlue
+                            font.pixelSize: 13
+                            Text {
+                                anchors.fill: parent
+                                verticalAlignment: Text.AlignVCenter
+                                text: "es. Milano, Roma, Napoli"
+                                color: Colors.faint
+                                font: field.font
+                                visible: !field.text && !field.preeditText
+                            }
+                        }
+                        FocusRing { visible: field.activeFocus }
                     }
                     Rectangle {
                         objectName: "saveButton"

@@ -149,16 +149,16 @@ TEST_F(Registry, ThePanelsSceneLivesWhileShownAndComesBackAsItWasLeft)
     for (const QString& name : kWidgets)
         settings().setProperty((name + "Enabled").toLatin1(), true); // every card open: room to scroll
     settings().saveWeatherSettings(WeatherSettings{true, "Milano, Italia", 45.46, 9.19});
-    app.createControlPanelWindow();
-    QQuickWindow* window = app.controlPanelWindow();
-    const auto item = [&](const char* name) { return window->findChild<QQuickItem*>(name); };
+    // The window and its scene are made at each show and gone at each hide; what the user left stays.
+    const auto window = [&] { return app.controlPanelWindow(); };
+    const auto item = [&](const char* name) { return window() ? window()->findChild<QQuickItem*>(name) : nullptr; };
     const auto shown = [&] {
         app.showControlPanel();
-        return XSession::waitFor([&] { return window->isExposed() && item("content"); });
+        return XSession::waitFor([&] { return window()->isExposed() && item("content"); });
     };
     const auto hidden = [&] {
-        window->hide();
-        return XSession::waitFor([&] { return !item("content"); }); // the scene is gone, not hidden
+        window()->hide();
+        return XSession::waitFor([&] { return !window(); });
     };
     // A city typed and not saved, on the second tab; then the first tab scrolled down.
     ASSERT_TRUE(shown());
@@ -170,7 +170,7 @@ TEST_F(Registry, ThePanelsSceneLivesWhileShownAndComesBackAsItWasLeft)
     ASSERT_TRUE(field && field->isVisible());
     field->forceActiveFocus();
     for (const char c : std::string(" Roma"))
-        QTest::keyClick(window, c);
+        QTest::keyClick(window(), c);
     ASSERT_TRUE(hidden() && shown());
     EXPECT_EQ(item("cityField")->property("text").toString(), "Milano, Italia Roma");
     EXPECT_TRUE(item("settingsTab")->isVisible());
@@ -179,7 +179,14 @@ TEST_F(Registry, ThePanelsSceneLivesWhileShownAndComesBackAsItWasLeft)
     ASSERT_TRUE(hidden() && shown());
     EXPECT_TRUE(XSession::waitFor([&] { return item("content")->property("contentY").toDouble() == 150.0; }));
     EXPECT_TRUE(item("widgetsTab")->isVisible());
-    window->hide();
+    // Moved by the user, it comes back there.
+    window()->setPosition(300, 120);
+    ASSERT_TRUE(
+        XSession::waitFor([&] { return xGeometry(QString::number(window()->winId())).topLeft() == QPoint(300, 120); }));
+    ASSERT_TRUE(hidden() && shown());
+    EXPECT_TRUE(
+        XSession::waitFor([&] { return xGeometry(QString::number(window()->winId())).topLeft() == QPoint(300, 120); }));
+    window()->hide();
     for (const QString& name : kWidgets)
         settings().setProperty((name + "Enabled").toLatin1(), false);
     settings().saveWeatherSettings(WeatherSettings());
