@@ -6,7 +6,7 @@ pkgs=(
   build-essential cmake ninja-build pkg-config git
   qt6-base-dev qt6-base-dev-tools qt6-declarative-dev qt6-declarative-dev-tools qt6-svg-dev
   qt6-qpa-plugins libqt6svg6 libqt6dbus6 libgl-dev libxkbcommon-dev libxcb1-dev libxcb-xfixes0-dev
-  qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-templates
+  qml6-module-qtquick
   qml6-module-qtquick-shapes qml6-module-qtquick-window qml6-module-qtquick-layouts
   qml6-module-qtqml-workerscript qml6-module-qtqml
   libgtest-dev libgmock-dev libbenchmark-dev
